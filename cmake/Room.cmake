@@ -1,0 +1,10 @@
+# A room is one folder of sources and one target. Only the rooms that it names as NEEDS (and what those need)
+# are on its include path, so an include against the direction of the house does not build.
+function(ums_room name folder)
+  cmake_parse_arguments(room "" "" "SOURCES;NEEDS" ${ARGN})
+  list(TRANSFORM room_SOURCES PREPEND "${CMAKE_CURRENT_SOURCE_DIR}/${folder}/")
+  add_library(${name} OBJECT ${room_SOURCES})
+  target_include_directories(${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}/${folder}" "${PROJECT_SOURCE_DIR}/include")
+  target_link_libraries(${name} PUBLIC ${room_NEEDS})
+  set_property(GLOBAL APPEND PROPERTY UMS_ROOMS ${name})
+endfunction()

@@ -1,0 +1,22 @@
+/// The host object that answers questions in the middle of a run.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "umsservice/OVFileService.h"
+
+namespace umsservice {
+
+/// Called on the worker thread, without a lock held. The service does not own its delegate.
+class QDDeviceConfirmDelegate {
+ public:
+  virtual ~QDDeviceConfirmDelegate() = default;
+  /// Asked when a file already exists. Answer NO to skip this and every later conflict of the run;
+  /// `isOverwrite` replaces the existing file; `isNotAsk` keeps both answers for the rest of the run.
+  virtual bool confirmOverwrite(const std::string& path, bool& isOverwrite, bool& isNotAsk) = 0;
+  /// The service object of another attached device, or null.
+  virtual std::shared_ptr<OVFileService> getFileServiceObject(const MaybeString& locationID) = 0;
+};
+
+}  // namespace umsservice

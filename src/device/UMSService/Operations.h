@@ -1,0 +1,27 @@
+/// The long operations of one service: each call makes the operation's object and runs it.
+#pragma once
+
+#include "LongOperations.h"
+#include "MediaRun.h"
+
+namespace umsservice {
+
+class Operations final : public LongOperations {
+ public:
+  explicit Operations(MediaTools& media) : media_(media) {}
+
+  bool doDeleteMediaContents(const _serviceinfo& serviceInfo) override;
+  bool doDeletePodcastContents(const _serviceinfo& serviceInfo) override;
+  bool doCopyMediaContents(const _serviceinfo& serviceInfo) override;
+  bool doCopyMediaContentsForAnyMediaType(const _serviceinfo& serviceInfo) override;
+  bool doCopyPodcastContents(const _serviceinfo& serviceInfo) override;
+  bool doSyncMediaContents(const _serviceinfo& serviceInfo) override;
+  bool doSyncPodcastContents(const _serviceinfo& serviceInfo) override;
+  bool doDeviceToDevcieContents(const _serviceinfo& serviceInfo) override;
+  bool doDeviceToDevicePodcast(const _serviceinfo& serviceInfo) override;
+
+ private:
+  MediaTools& media_;
+};
+
+}  // namespace umsservice

@@ -1,0 +1,29 @@
+/// The rooms of one service in the order in which they need each other.
+///
+/// Shared by the service object and its worker thread: a service that is released on its own worker is gone
+/// at once, while the worker still finds everything that it leaves its loop by.
+#pragma once
+
+#include "Dispatcher.h"
+#include "Operations.h"
+#include "RequestEntry.h"
+#include "RequestQueue.h"
+#include "umsservice/UMSService.h"
+
+namespace umsservice {
+
+struct UMSService::Rooms {
+  Rooms(const Environment& environment, std::string description, const MaybeString& locationID)
+      : context(environment, std::move(description), locationID) {}
+
+  ServiceContext context;
+  ServiceReports reports{context};
+  FolderOperations folders{context};
+  MediaTools media{context, folders, reports};
+  Operations operations{media};
+  Dispatcher dispatcher{context, reports, operations};
+  RequestQueue queue{context, reports};
+  RequestEntry entry{context, queue};
+};
+
+}  // namespace umsservice

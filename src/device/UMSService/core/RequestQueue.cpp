@@ -1,0 +1,173 @@
+#include "RequestQueue.h"
+
+#include <exception>
+#include <thread>
+
+#include "umsservice/Notifications.h"
+
+namespace umsservice {
+namespace {
+
+constexpr auto kWorkerMethod = "-[UMSService umsFileServiceQueueThread:]";
+
+/// One walk over a cancel list at a time, whichever devices it is for.
+Mutex& walkOfAnyCancelList() {
+  static Mutex mutex;
+  return mutex;
+}
+
+}  // namespace
+
+bool RequestQueue::enqueue(Record request) {
+  {
+    MutexLock lock(queueLock_);
+    if (context_.isReleased()) return false;
+    serviceItem_.push_back(std::move(request));
+  }
+  signal();
+  return true;
+}
+
+void RequestQueue::signal() {
+  MutexLock lock(syncConditionLock_);
+  ++signals_;
+  syncCondition_.signal();
+}
+
+uint64_t RequestQueue::signalsSoFar() {
+  MutexLock lock(syncConditionLock_);
+  return signals_;
+}
+
+void RequestQueue::waitForSignalAfter(uint64_t seen) {
+  MutexLock lock(syncConditionLock_);
+  while (signals_ == seen) syncCondition_.wait(syncConditionLock_);
+}
+
+bool RequestQueue::isEmpty() {
+  MutexLock lock(queueLock_);
+  return serviceItem_.empty();
+}
+
+RequestQueue::Record RequestQueue::takeFront() {
+  if (!queueLock_.tryLock()) return nullptr;
+  Record front;
+  if (!serviceItem_.empty()) {
+    front = std::move(serviceItem_.front());
+    serviceItem_.pop_front();
+  }
+  queueLock_.unlock();
+  return front;
+}
+
+void RequestQueue::umsFileServiceQueueThread(const std::function<void(_serviceinfo&)>& run) {
+  for (;;) {
+    // Counted before the look at the queue: a request that arrives in between ends the wait at once.
+    uint64_t seen = signalsSoFar();
+    if (isEmpty() && !context_.isReleased()) {
+      context_.log.write(6, kWorkerMethod, "Try Wait");
+      waitForSignalAfter(seen);
+    }
+    if (context_.isReleased()) break;
+    Record request = takeFront();
+    if (!request) {
+      std::this_thread::yield();  // another thread held the queue for a moment
+      continue;
+    }
+    runGuarded(run, *request);
+  }
+  context_.log.write(6, kWorkerMethod, "umsFileServiceQueueThread Exit!");
+}
+
+void RequestQueue::runGuarded(const std::function<void(_serviceinfo&)>& run, _serviceinfo& request) {
+  try {
+    run(request);
+  } catch (const std::exception& exception) {
+    // A host's handler may throw; its request ends here, the worker and the requests behind it go on.
+    context_.log.write(1, kWorkerMethod, "Request is stopped by an exception. Reason :%@", exception.what());
+  } catch (...) {
+    context_.log.write(1, kWorkerMethod, "Request is stopped by an exception. Reason :%@", nullptr);
+  }
+}
+
+bool RequestQueue::takeMatching(uint32_t serviceID, std::vector<Record>& removed) {
+  if (!queueLock_.tryLock()) return false;
+  size_t before = removed.size();
+  std::deque<Record> kept;
+  for (Record& record : serviceItem_) {
+    (record->serviceID == serviceID ? removed.emplace_back(), removed.back() : kept.emplace_back()) =
+        std::move(record);
+  }
+  serviceItem_.swap(kept);
+  queueLock_.unlock();
+  return removed.size() > before;
+}
+
+void RequestQueue::announceCancelled(const std::vector<Record>& removed) {
+  for (const Record& record : removed) {
+    reports_.sendCancelProgressEvent(record->serviceID, context_.identity.currentLocationID(),
+                                     record->mediaType, 0, 0, kTransferCancelled);
+  }
+}
+
+bool RequestQueue::emptyQueue(uint32_t serviceID) {
+  std::vector<Record> removed;
+  bool found = takeMatching(serviceID, removed);
+  announceCancelled(removed);
+  return found;
+}
+
+std::vector<RequestQueue::Cancelled> RequestQueue::takeCancelled() {
+  std::vector<Cancelled> cancelled;
+  MutexLock lock(walkOfAnyCancelList());
+  size_t count = context_.cancelList.count();
+  // The index advances after a removal too, so an entry that moved up waits for the next walk.
+  for (size_t i = 0; i < count; ++i) {
+    auto entry = context_.cancelList.entryAt(i);
+    if (!entry) break;
+    Cancelled found{*entry, {}};
+    if (found.serviceID && !takeMatching(*found.serviceID, found.records)) continue;
+    if (found.serviceID) context_.cancelList.removeCancelServiceId(*found.serviceID);
+    cancelled.push_back(std::move(found));
+  }
+  return cancelled;
+}
+
+void RequestQueue::emptyQueue() {
+  constexpr auto kMethod = "-[UMSService emptyQueue]";
+  for (const Cancelled& request : takeCancelled()) {
+    if (!request.serviceID) {
+      context_.log.always(kMethod, "Cancel Service ID Value is nil.");
+      continue;
+    }
+    announceCancelled(request.records);
+    context_.log.write(7, kMethod, "Cancel Service ID : 0x%08x", *request.serviceID);
+  }
+}
+
+void RequestQueue::cancelFileAction(uint32_t serviceID) {
+  context_.cancelList.add(serviceID);
+  emptyQueue();
+}
+
+void RequestQueue::lockQueueWithoutBlocking() {
+  while (!queueLock_.tryLock()) std::this_thread::yield();
+}
+
+bool RequestQueue::exitServiceThread() {
+  lockQueueWithoutBlocking();
+  context_.releaseState = 1;
+  queueLock_.unlock();
+  signal();
+  return true;
+}
+
+void RequestQueue::releaseAndDropAll() {
+  std::deque<Record> dropped;  // freed after the lock is given back: contents may belong to the host
+  lockQueueWithoutBlocking();
+  context_.releaseState = 1;
+  dropped.swap(serviceItem_);
+  queueLock_.unlock();
+}
+
+}  // namespace umsservice

@@ -1,0 +1,91 @@
+#include "VolumeRegistry.h"
+
+#include "umsservice/Notifications.h"
+
+namespace umsservice {
+namespace {
+
+constexpr int32_t kInternalDisk = 1;
+constexpr int32_t kCardDisk = 2;
+
+void appendNumbered(std::vector<Value>& rebuilt, const std::vector<Value>& volumes, bool internal) {
+  for (const Value& element : volumes) {
+    auto volume = element.dictionary();
+    if (!volume || !volume->contains(key::kDiskType)) continue;
+    if ((volume->get(key::kDiskType).intValue() == kInternalDisk) != internal) continue;
+    Dictionary numbered = volume->mutableCopy();
+    numbered.set(key::kDiskIndex, static_cast<uint32_t>(rebuilt.size()));
+    rebuilt.emplace_back(numbered);
+  }
+}
+
+template <typename Matches>
+MaybeDictionary firstVolume(const Array& list, Matches matches) {
+  for (const Value& element : list.snapshot()) {
+    auto volume = element.dictionary();
+    if (volume && matches(*volume)) return volume;
+  }
+  return std::nullopt;
+}
+
+}  // namespace
+
+void VolumeRegistry::addDiskInformation(const MaybeDictionary& diskInformation) {
+  if (!diskInformation) return;
+  MutexLock lock(rebuild_);
+  std::vector<Value> volumes = volumes_.snapshot();
+  volumes.emplace_back(*diskInformation);
+  std::vector<Value> rebuilt;
+  appendNumbered(rebuilt, volumes, true);
+  appendNumbered(rebuilt, volumes, false);
+  volumes_.assign(std::move(rebuilt));
+}
+
+void VolumeRegistry::removeDiskInformation(const MaybeDictionary& diskInformation) {
+  if (!diskInformation) return;
+  MutexLock lock(rebuild_);
+  std::vector<Value> volumes = volumes_.snapshot();
+  for (size_t i = 0; i < volumes.size(); ++i) {
+    auto volume = volumes[i].dictionary();
+    if (!volume || !volume->isEqualToDictionary(*diskInformation)) continue;
+    volumes_.removeAt(i);
+    return;
+  }
+}
+
+MaybeDictionary VolumeRegistry::diskInfoFromIndex(uint32_t index) const {
+  return diskInfoFromDiskInfoList(volumes_, index);
+}
+
+MaybeDictionary VolumeRegistry::diskInfoFromDiskInfoList(const MaybeArray& diskInfoList, uint32_t index) {
+  if (!diskInfoList) return std::nullopt;
+  return firstVolume(*diskInfoList, [index](const Dictionary& volume) {
+    Value diskIndex = volume.get(key::kDiskIndex);
+    return !diskIndex.isNil() && diskIndex.unsignedIntValue() == index;
+  });
+}
+
+MaybeString VolumeRegistry::diskVolumeNameFromIndex(uint32_t index) const {
+  auto volume = diskInfoFromIndex(index);
+  return volume ? volume->string(key::kVolumePath) : std::nullopt;
+}
+
+MaybeString VolumeRegistry::volumePath(uint32_t index) const {
+  auto volume = firstVolume(volumes_, [index](const Dictionary& candidate) {
+    Value diskIndex = candidate.get(key::kDiskIndex);
+    return !diskIndex.isNil() && diskIndex.intValue() == static_cast<int32_t>(index);
+  });
+  return volume ? volume->string(key::kVolumePath) : std::nullopt;
+}
+
+MaybeString VolumeRegistry::volumePathWithOption(bool internal, uint32_t& index) const {
+  index = 0;
+  auto volume = firstVolume(volumes_, [internal](const Dictionary& candidate) {
+    return candidate.get(key::kDiskType).intValue() == (internal ? kInternalDisk : kCardDisk);
+  });
+  if (!volume) return std::nullopt;
+  index = volume->get(key::kDiskIndex).unsignedIntValue();
+  return volume->string(key::kVolumePath);
+}
+
+}  // namespace umsservice

@@ -1,0 +1,45 @@
+/// Small synchronous operations on device paths, and the folder lister on which the media listings rest.
+///
+/// Run on the caller's thread without locks; safe from any thread. Links to folders are named, never
+/// entered, so a loop on a device cannot hold a listing.
+#pragma once
+
+#include "ServiceContext.h"
+
+namespace umsservice {
+
+class FolderOperations {
+ public:
+  explicit FolderOperations(const ServiceContext& context) : context_(context), files_(context.files()) {}
+
+  /// Lists a folder, deeply (paths relative to it, every depth) or not, without what lies under ".nomedia"
+  /// folders; folders are entries too. The first argument is not used.
+  bool fileLists(uint32_t unused, const MaybeString& fileName, bool enumChild, MaybeArray& contents) const;
+  /// Names of the direct sub-folders that are not hidden; nil when the folder cannot be listed.
+  MaybeArray folderLists(const MaybeString& folder) const;
+  /// Names of the direct files that are not hidden; nil when the folder cannot be listed.
+  MaybeArray fileLists(const MaybeString& folder) const;
+  /// The folder itself and every folder below it that is not hidden, depth first.
+  Array recursiveFolderLists(const std::string& folder) const;
+  /// For every volume its folder tree; nil when there is none.
+  MaybeArray getDeviceAllFolderLists() const;
+
+  bool fileExistsAtPath(const MaybeString& path, bool* isDirectory) const;
+  uint64_t fileSizeAtDevice(const MaybeString& path) const;
+  /// Removes an item, a folder with everything in it.
+  bool deletefileAtDevice(const MaybeString& path, uint32_t* error) const;
+  bool deleteFolder(const MaybeString& path) const;
+  /// Makes a folder with all folders above it; an existing one is success, a file of that name is not.
+  bool createFolder(const MaybeString& path) const;
+
+ private:
+  MaybeArray directChildren(const MaybeString& folder, bool folders, const char* method) const;
+  std::vector<std::string> subpathsAtPath(const std::string& folder) const;
+  bool listShallow(const std::string& folder, std::vector<std::string>& entries) const;
+  FileType typeOf(const std::string& path, FileType listedType) const;
+
+  const ServiceContext& context_;
+  FileSystem& files_;
+};
+
+}  // namespace umsservice

@@ -1,0 +1,204 @@
+#include "SingleFile.h"
+
+#include <cerrno>
+
+#include "StringPaths.h"
+#include "umsservice/ErrorNumbers.h"
+#include "umsservice/Notifications.h"
+
+namespace umsservice {
+
+struct SingleFile::Pair {
+  std::unique_ptr<FileHandle> source;
+  std::unique_ptr<FileHandle> destination;
+};
+
+struct SingleFile::Manner {
+  const char* method;
+  const char* announcement;
+  const char* spaceMessage;
+  bool makesFolder;        ///< a move expects its destination folder
+  bool hearsCancellation;  ///< a move stops for a shutdown only
+  bool clearsErrorNumber;
+  bool syncsDestination;  ///< the source goes next, so the device must have the copy first
+};
+
+const SingleFile::Manner SingleFile::kCopying = {
+    "-[UMSService umsCopyFile:srcPath:destPath:context:error:]",
+    "Copy File : %@  to  %@",
+    "Not enough volume space. data Size = 0x%08x, volume Free Size = 0x%08x",
+    true,
+    true,
+    true,
+    false,
+};
+
+const SingleFile::Manner SingleFile::kMoving = {
+    "-[UMSService umsMoveFile:srcPath:destPath:context:error:]",
+    "Move File : %@  to  %@",
+    "Not enough volume space. data Size = 0x%08x, volume Free Size = 0x%08xs",
+    false,
+    false,
+    false,
+    true,
+};
+
+FileOutcome SingleFile::copy(uint32_t serviceID, const MaybeString& srcPath, const MaybeString& destPath,
+                             OVUmsDeviceNotifier* notifier) const {
+  return transfer(kCopying, serviceID, srcPath, destPath, notifier);
+}
+
+FileOutcome SingleFile::move(const MaybeString& srcPath, const MaybeString& destPath,
+                             OVUmsDeviceNotifier* notifier) const {
+  FileOutcome copied = transfer(kMoving, 0, srcPath, destPath, notifier);
+  return copied.result ? removeSource(*srcPath, std::move(copied)) : copied;
+}
+
+FileOutcome SingleFile::transfer(const Manner& manner, uint32_t serviceID, const MaybeString& srcPath,
+                                 const MaybeString& destPath, OVUmsDeviceNotifier* notifier) const {
+  if (!srcPath || !destPath || !notifier) {
+    context_.log.write(3, manner.method,
+                       "Input Parameters is invalid. srcPath = %@, destPath = %@, context = %p", srcPath,
+                       destPath, static_cast<const void*>(notifier));
+    return {};
+  }
+  context_.log.write(6, manner.method, manner.announcement, srcPath, destPath);
+  uint64_t size = 0;
+  if (auto refused = refusal(manner, *srcPath, *destPath, size)) return *refused;
+  Pair pair;
+  if (auto refused = openBoth(manner, *srcPath, *destPath, pair)) return *refused;
+  FileOutcome outcome = copyBytes(manner, serviceID, pair, size, *notifier);
+  context_.log.write(6, manner.method, "EXIT");
+  return outcome;
+}
+
+/// The tests before anything is created, in the order in which a host is told of them.
+std::optional<FileOutcome> SingleFile::refusal(const Manner& manner, const std::string& srcPath,
+                                               const std::string& destPath, uint64_t& size) const {
+  if (files_.exists(destPath)) return FileOutcome{.errorNumber = kErrorFileExists};
+  auto source = files_.attributes(srcPath);
+  if (!source) {
+    context_.log.write(3, manner.method, "Get Attributes Error : [%@]", source.error());
+    return FileOutcome{.errorNumber = kErrorAttributesUnreadable, .reason = source.error().words()};
+  }
+  size = source->size;
+  uint64_t freeSize = context_.spaces.volumeFreeSpace(destPath);
+  if (freeSize < size) {
+    context_.log.write(3, manner.method, manner.spaceMessage, size, freeSize);
+    return FileOutcome{.errorNumber = kErrorVolumeFull};
+  }
+  return std::nullopt;
+}
+
+std::optional<FileOutcome> SingleFile::openBoth(const Manner& manner, const std::string& srcPath,
+                                                const std::string& destPath, Pair& pair) const {
+  std::string folder = stringByDeletingLastPathComponent(destPath);
+  if (manner.makesFolder && (folder.empty() || !folders_.createFolder(folder))) {
+    return FileOutcome{.errorNumber = kErrorCreateFolderFailed};
+  }
+  auto destination = files_.createFile(destPath);
+  if (!destination) {
+    context_.log.write(3, manner.method, "createFileAtPath Fail!");
+    return FileOutcome{.reason = destination.error().words()};
+  }
+  auto source = files_.openForReading(srcPath);
+  if (!source) {
+    context_.log.write(3, manner.method,
+                       "Open file Handle failed! source file handle = %@, destination file handle = %@",
+                       nullptr, static_cast<const void*>(destination->get()));
+    return FileOutcome{.errorNumber = kErrorOpenFailed, .reason = source.error().words()};
+  }
+  pair = {std::move(*source), std::move(*destination)};
+  return std::nullopt;
+}
+
+FileOutcome SingleFile::copyBytes(const Manner& manner, uint32_t serviceID, Pair& pair, uint64_t size,
+                                  OVUmsDeviceNotifier& notifier) const {
+  using End = ChunkedCopyResult::End;
+  bool cancelled = false;
+  auto mayGoOn = [&] {
+    if (context_.isReleased()) {
+      context_.log.write(3, manner.method, "Object Releasing process stop!");
+      return false;
+    }
+    cancelled = manner.hearsCancellation && context_.cancelList.isCancelServiceId(serviceID);
+    if (cancelled) context_.log.write(5, manner.method, "Cancel File Copy");
+    return !cancelled;
+  };
+  auto report = [&](uint64_t copied) {
+    notifier.addCurrentSendBytesEx(copied);
+    return true;
+  };
+  notifier.setMaxSendBytes(size);
+  ChunkedCopyResult copied = copyInChunks(*pair.source, *pair.destination, size, mayGoOn, report);
+  if (copied.end == End::Failed) return exception(manner, *copied.error, copied.copied);
+  // What the system still held back is only certain once the file is closed.
+  FileStatus kept =
+      manner.syncsDestination && copied.end == End::Complete ? pair.destination->sync() : FileStatus(Done{});
+  FileStatus closed = pair.destination->close();
+  if (!kept) return exception(manner, kept.error(), copied.copied);
+  if (!closed) return exception(manner, closed.error(), copied.copied);
+  if (copied.end == End::Complete) {
+    FileOutcome complete{.result = true, .bytes = copied.copied};
+    if (manner.clearsErrorNumber) complete.errorNumber = kErrorNone;
+    return complete;
+  }
+  if (!manner.clearsErrorNumber) return {.bytes = copied.copied};
+  return {.result = true, .errorNumber = kErrorStopped, .bytes = copied.copied};
+}
+
+/// Reading and writing raise on the platform; hosts know the name.
+FileOutcome SingleFile::exception(const Manner& manner, const FileError& error, uint64_t bytes) const {
+  context_.log.write(3, manner.method, "Name : %@", "NSFileHandleOperationException");
+  context_.log.write(3, manner.method, "Reason :%@", error.words());
+  return {.errorNumber = kErrorCopyFailed, .bytes = bytes, .reason = error.words()};
+}
+
+FileOutcome SingleFile::removeSource(const std::string& srcPath, FileOutcome copied) const {
+  FileStatus removed = files_.remove(srcPath);
+  if (removed) return copied;
+  context_.log.write(3, kMoving.method, "removeIemAtPath Fail!");
+  copied.result = false;
+  copied.reason = removed.error().words();
+  return copied;
+}
+
+FileOutcome SingleFile::remove(const MaybeString& path) const {
+  FileStatus removed =
+      path ? files_.remove(*path) : FileStatus(FileError{EINVAL, FileError::Action::Writing, {}});
+  if (removed) return {.result = true, .errorNumber = kErrorNone};
+  context_.log.write(3, "-[UMSService umsDeleteFile:srcPath:error:]", "Delete file is Failed. error = %@",
+                     removed.error());
+  return {.errorNumber = kErrorDeleteFailed, .reason = removed.error().words()};
+}
+
+uint64_t SingleFile::mediaFileSize(const MaybeString& path) const {
+  FileResult<FileAttributes> found =
+      path ? files_.attributes(*path) : FileError{EINVAL, FileError::Action::Reading, {}};
+  if (found) return found->size;
+  context_.log.write(3, "-[UMSService mediaFileSize:]", "Get Attributes Error : [%@]", found.error());
+  return 0;
+}
+
+uint64_t SingleFile::totalMediaContentsSize(const MaybeArray& contents) const {
+  uint64_t total = 0;
+  if (!contents) return total;
+  for (const Value& element : contents->snapshot()) {
+    auto content = element.dictionary();
+    if (!content) {
+      context_.log.write(1, "-[UMSService totalMediaContentsSize:]",
+                         "Contents data is nil. Next data search");
+      continue;
+    }
+    Value fileSize = content->get(key::kFileSize);
+    // Hosts hand the size over as a 32-bit number; larger ones arrive cut.
+    if (!fileSize.isNil()) {
+      total += fileSize.unsignedIntValue();
+    } else if (MaybeString path = content->string(key::kFilePath)) {
+      total += mediaFileSize(path);
+    }
+  }
+  return total;
+}
+
+}  // namespace umsservice

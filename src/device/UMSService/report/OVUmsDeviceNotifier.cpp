@@ -1,0 +1,266 @@
+#include "umsservice/OVUmsDeviceNotifier.h"
+
+#include <algorithm>
+
+#include "Log.h"
+#include "Mutex.h"
+#include "StringPaths.h"
+#include "umsservice/ErrorNumbers.h"
+#include "umsservice/Notifications.h"
+
+namespace umsservice {
+namespace {
+
+constexpr uint64_t kBytesBetweenProgress = 1'000'000;
+constexpr uint32_t kWhole = 100;
+
+void setIfPresent(Dictionary& userInfo, const char* name, const MaybeString& value) {
+  if (value) userInfo.set(name, *value);
+}
+
+}  // namespace
+
+/// The fields, and the steps that need the notifier's lock held.
+struct OVUmsDeviceNotifier::State {
+  explicit State(const Environment& environment) : center(environment.notificationCenter), log(environment) {}
+
+  void postProgress(uint32_t maxProgress, uint32_t percent) REQUIRES(mutex);
+  void postResult() REQUIRES(mutex);
+  void finish() REQUIRES(mutex);
+  void addSentBytes(uint64_t sentBytes, bool fileIsComplete) REQUIRES(mutex);
+
+  const std::shared_ptr<NotificationCenter> center;
+  const Log log;
+
+  mutable RecursiveMutex mutex;
+  MaybeString _srcLocationID GUARDED_BY(mutex);
+  MaybeString _destLocationID GUARDED_BY(mutex);
+  uint32_t _serviceID GUARDED_BY(mutex) = 0;
+  uint32_t _storageIndex GUARDED_BY(mutex) = 0;
+  uint32_t _mediaType GUARDED_BY(mutex) = 0;
+  uint32_t _currentTransferFileCount GUARDED_BY(mutex) = 1;
+  uint32_t _maxTransferFileCount GUARDED_BY(mutex) = 0;
+  uint32_t _failTransferFileCount GUARDED_BY(mutex) = 0;
+  MaybeString _filePath GUARDED_BY(mutex);
+  MaybeString _deviceName GUARDED_BY(mutex);
+  uint64_t _currentTransferSize GUARDED_BY(mutex) = 0;
+  uint64_t _maxTransferSize GUARDED_BY(mutex) = 0;
+  uint64_t _maxSendBytes GUARDED_BY(mutex) = 0;
+  uint64_t _prevTransferFileSize GUARDED_BY(mutex) = 0;
+  uint64_t _prevSendBytes GUARDED_BY(mutex) = 0;
+  MaybeString _playlistName GUARDED_BY(mutex);
+  MaybeString _channelName GUARDED_BY(mutex);
+  MaybeDictionary _xmlInfo GUARDED_BY(mutex);
+  MaybeDictionary _mediaInfo GUARDED_BY(mutex);
+  int32_t _currentTransferStatus GUARDED_BY(mutex) = kTransferInitial;
+  uint32_t _transferResult GUARDED_BY(mutex) = kItemTransferred;
+};
+
+void OVUmsDeviceNotifier::State::postProgress(uint32_t maxProgress, uint32_t percent) {
+  Dictionary userInfo{{key::kServiceID, _serviceID},
+                      {key::kMediaNotiType, _mediaType},
+                      {key::kCurrent, _currentTransferFileCount},
+                      {key::kMax, _maxTransferFileCount},
+                      {key::kTransferStatus, static_cast<uint32_t>(_currentTransferStatus)},
+                      {key::kFail, _failTransferFileCount},
+                      {key::kCurrentProgress, percent},
+                      {key::kMaxProgress, maxProgress}};
+  setIfPresent(userInfo, key::kLocationId, _srcLocationID);
+  if (_filePath) userInfo.set(key::kFileName, lastPathComponent(*_filePath));
+  setIfPresent(userInfo, key::kDeviceName, _deviceName);
+  center->post(kTransferProgressNotification, userInfo);
+}
+
+void OVUmsDeviceNotifier::State::postResult() {
+  Dictionary userInfo = _mediaInfo ? _mediaInfo->mutableCopy() : Dictionary();
+  userInfo.set(key::kServiceID, _serviceID);
+  userInfo.set(key::kMediaNotiType, _mediaType);
+  userInfo.set(key::kVolumeIndex, _storageIndex);
+  userInfo.set(key::kResultStatus,
+               _transferResult == kErrorNone ? uint32_t{kItemTransferred} : _transferResult);
+  setIfPresent(userInfo, key::kLocationId, _destLocationID);
+  setIfPresent(userInfo, key::kFilePath, _filePath);
+  setIfPresent(userInfo, key::kPlaylistName, _playlistName);
+  setIfPresent(userInfo, key::kDeviceName, _deviceName);
+  setIfPresent(userInfo, key::kChannelName, _channelName);
+  if (_xmlInfo) userInfo.set(key::kPodcastXmlInfo, *_xmlInfo);
+  center->post(kMediaResultNotification, userInfo);
+}
+
+void OVUmsDeviceNotifier::State::finish() {
+  _currentTransferStatus = kTransferFinished;
+  postProgress(kWhole, kWhole);
+}
+
+void OVUmsDeviceNotifier::State::addSentBytes(uint64_t sentBytes, bool fileIsComplete) {
+  if (_prevSendBytes > sentBytes) _prevSendBytes = 0;  // a new file has begun
+  _currentTransferSize += sentBytes - _prevSendBytes;
+  bool worthPosting = fileIsComplete || _currentTransferSize - _prevTransferFileSize > kBytesBetweenProgress;
+  if (_maxTransferSize != 0 && worthPosting) {
+    postProgress(kWhole, static_cast<uint32_t>(_currentTransferSize * kWhole / _maxTransferSize));
+    _prevTransferFileSize = _currentTransferSize;
+  }
+  _prevSendBytes = fileIsComplete ? 0 : sentBytes;
+}
+
+OVUmsDeviceNotifier::OVUmsDeviceNotifier(const Environment& environment)
+    : state_(std::make_unique<State>(environment)) {
+  constexpr auto kMethod = "-[OVUmsDeviceNotifier init]";
+  state_->log.write(7, kMethod, "ENTER");
+  state_->log.write(7, kMethod, "EXIT");
+}
+
+OVUmsDeviceNotifier::OVUmsDeviceNotifier(const Environment& environment, const MaybeString& srcLocationID,
+                                         const MaybeString& destLocationID, uint32_t serviceID,
+                                         uint32_t mediaType, const MaybeString& deviceName,
+                                         uint32_t storageIndex, uint32_t maxTransferFileCount,
+                                         uint64_t maxTransferSize)
+    : state_(std::make_unique<State>(environment)) {
+  constexpr auto kMethod =
+      "-[OVUmsDeviceNotifier initWithInformations:destLocationID:serviceID:mediaType:deviceName:storageIndex:"
+      "maxTransferFileCount:maxTransferSize:]";
+  state_->log.write(7, kMethod, "ENTER");
+  {
+    RecursiveMutexLock lock(state_->mutex);
+    state_->_srcLocationID = srcLocationID;
+    state_->_destLocationID = destLocationID;
+    state_->_serviceID = serviceID;
+    state_->_mediaType = mediaType;
+    state_->_deviceName = deviceName;
+    state_->_storageIndex = storageIndex;
+    state_->_maxTransferFileCount = maxTransferFileCount;
+    state_->_maxTransferSize = maxTransferSize;
+  }
+  state_->log.write(7, kMethod, "EXIT");
+}
+
+OVUmsDeviceNotifier::~OVUmsDeviceNotifier() = default;
+
+void OVUmsDeviceNotifier::sendTransferEvent(uint32_t maxProgress, uint32_t currentPersent) {
+  RecursiveMutexLock lock(state_->mutex);
+  state_->postProgress(maxProgress, currentPersent);
+}
+
+void OVUmsDeviceNotifier::sendResultEvent() {
+  RecursiveMutexLock lock(state_->mutex);
+  state_->postResult();
+}
+
+void OVUmsDeviceNotifier::sendResultNotification() {
+  sendResultEvent();
+}
+
+void OVUmsDeviceNotifier::incCurrentTransferFileCount() {
+  RecursiveMutexLock lock(state_->mutex);
+  state_->postResult();
+  if (state_->_currentTransferFileCount == state_->_maxTransferFileCount) {
+    state_->finish();
+  } else if (state_->_currentTransferFileCount < state_->_maxTransferFileCount) {
+    ++state_->_currentTransferFileCount;
+  }
+}
+
+void OVUmsDeviceNotifier::incFailTransferFileCount() {
+  RecursiveMutexLock lock(state_->mutex);
+  ++state_->_failTransferFileCount;
+  if (state_->_currentTransferFileCount < state_->_maxTransferFileCount) ++state_->_currentTransferFileCount;
+  // Hosts have always been told of the end when the count arrives here, one file early included.
+  if (state_->_currentTransferFileCount == state_->_maxTransferFileCount) state_->finish();
+}
+
+void OVUmsDeviceNotifier::addFailTransferFileCount(uint32_t count) {
+  RecursiveMutexLock lock(state_->mutex);
+  state_->_failTransferFileCount += count;
+  state_->_currentTransferFileCount += count;
+  // The count is 1-based, so "all files" stands one above the maximum.
+  if (state_->_currentTransferFileCount - 1 == state_->_maxTransferFileCount) {
+    --state_->_currentTransferFileCount;
+    state_->finish();
+  }
+}
+
+void OVUmsDeviceNotifier::addCurrentTransferFileCount(uint32_t count) {
+  RecursiveMutexLock lock(state_->mutex);
+  uint64_t reached = uint64_t{state_->_currentTransferFileCount} + count;
+  state_->_currentTransferFileCount =
+      static_cast<uint32_t>(std::min<uint64_t>(reached, state_->_maxTransferFileCount));
+  if (state_->_currentTransferFileCount == state_->_maxTransferFileCount) state_->finish();
+}
+
+void OVUmsDeviceNotifier::addCurrentSendBytesEx(uint64_t sentBytes) {
+  RecursiveMutexLock lock(state_->mutex);
+  state_->addSentBytes(sentBytes, sentBytes == state_->_maxSendBytes);
+}
+
+void OVUmsDeviceNotifier::addCurrentSendBytes(uint32_t sentBytes) {
+  addCurrentSendBytesEx(sentBytes);
+}
+
+void OVUmsDeviceNotifier::cancelFileTransfer() {
+  constexpr auto kMethod = "-[OVUmsDeviceNotifier cancelFileTransfer]";
+  state_->log.write(7, kMethod, "ENTER");
+  {
+    RecursiveMutexLock lock(state_->mutex);
+    state_->_currentTransferStatus = kTransferCancelled;
+    state_->postProgress(kWhole, kWhole);
+  }
+  state_->log.write(7, kMethod, "EXIT");
+}
+
+void OVUmsDeviceNotifier::deleteFileTransfer() {
+  RecursiveMutexLock lock(state_->mutex);
+  if (state_->_maxTransferFileCount == 0) return;
+  state_->postProgress(kWhole, state_->_currentTransferFileCount * kWhole / state_->_maxTransferFileCount);
+}
+
+MaybeDictionary OVUmsDeviceNotifier::mediaInfo() const {
+  RecursiveMutexLock lock(state_->mutex);
+  return state_->_mediaInfo ? MaybeDictionary(state_->_mediaInfo->mutableCopy()) : std::nullopt;
+}
+
+void OVUmsDeviceNotifier::setMediaInfo(const MaybeDictionary& value) {
+  MaybeDictionary copy = value ? MaybeDictionary(value->mutableCopy()) : std::nullopt;
+  RecursiveMutexLock lock(state_->mutex);
+  state_->_mediaInfo.swap(copy);
+}
+
+void OVUmsDeviceNotifier::setPodcastXmlData(const MaybeDictionary& value) {
+  MaybeDictionary copy = value ? MaybeDictionary(value->mutableCopy()) : std::nullopt;
+  RecursiveMutexLock lock(state_->mutex);
+  state_->_xmlInfo.swap(copy);
+}
+
+// A getter and a setter for each plain field.
+#define UMS_NOTIFIER_PROPERTY(Type, Argument, getter, setter) \
+  Type OVUmsDeviceNotifier::getter() const {                  \
+    RecursiveMutexLock lock(state_->mutex);                   \
+    return state_->_##getter;                                 \
+  }                                                           \
+  void OVUmsDeviceNotifier::setter(Argument value) {          \
+    RecursiveMutexLock lock(state_->mutex);                   \
+    state_->_##getter = value;                                \
+  }
+
+UMS_NOTIFIER_PROPERTY(MaybeString, const MaybeString&, srcLocationID, setSrcLocationID)
+UMS_NOTIFIER_PROPERTY(MaybeString, const MaybeString&, destLocationID, setDestLocationID)
+UMS_NOTIFIER_PROPERTY(uint32_t, uint32_t, serviceID, setServiceID)
+UMS_NOTIFIER_PROPERTY(uint32_t, uint32_t, storageIndex, setStorageIndex)
+UMS_NOTIFIER_PROPERTY(uint32_t, uint32_t, mediaType, setMediaType)
+UMS_NOTIFIER_PROPERTY(uint32_t, uint32_t, currentTransferFileCount, setCurrentTransferFileCount)
+UMS_NOTIFIER_PROPERTY(uint32_t, uint32_t, maxTransferFileCount, setMaxTransferFileCount)
+UMS_NOTIFIER_PROPERTY(uint32_t, uint32_t, failTransferFileCount, setFailTransferFileCount)
+UMS_NOTIFIER_PROPERTY(MaybeString, const MaybeString&, filePath, setFilePath)
+UMS_NOTIFIER_PROPERTY(MaybeString, const MaybeString&, deviceName, setDeviceName)
+UMS_NOTIFIER_PROPERTY(uint64_t, uint64_t, currentTransferSize, setCurrentTransferSize)
+UMS_NOTIFIER_PROPERTY(uint64_t, uint64_t, maxTransferSize, setMaxTransferSize)
+UMS_NOTIFIER_PROPERTY(uint64_t, uint64_t, maxSendBytes, setMaxSendBytes)
+UMS_NOTIFIER_PROPERTY(uint64_t, uint64_t, prevTransferFileSize, setPrevTransferFileSize)
+UMS_NOTIFIER_PROPERTY(uint64_t, uint64_t, prevSendBytes, setPrevSendBytes)
+UMS_NOTIFIER_PROPERTY(MaybeString, const MaybeString&, playlistName, setPlaylistName)
+UMS_NOTIFIER_PROPERTY(MaybeString, const MaybeString&, channelName, setChannelName)
+UMS_NOTIFIER_PROPERTY(int32_t, int32_t, currentTransferStatus, setCurrentTransferStatus)
+UMS_NOTIFIER_PROPERTY(uint32_t, uint32_t, transferResult, setTransferResult)
+
+#undef UMS_NOTIFIER_PROPERTY
+
+}  // namespace umsservice

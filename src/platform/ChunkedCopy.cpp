@@ -1,0 +1,106 @@
+#include "ChunkedCopy.h"
+
+#include <algorithm>
+#include <cerrno>
+
+namespace umsservice {
+namespace {
+
+/// Large enough that system calls do not show beside the copying itself.
+constexpr size_t kPhysicalBlock = 256 * 1024;
+
+struct Block {
+  size_t length = 0;
+  std::optional<FileError> error;  ///< why it is shorter than asked for
+};
+
+/// Fills the buffer even when the system hands out the file in smaller pieces.
+Block readBlock(FileHandle& source, std::byte* buffer, size_t size) {
+  Block block;
+  while (block.length < size) {
+    auto length = source.read(buffer + block.length, size - block.length);
+    if (!length) {
+      block.error = length.error();
+      return block;
+    }
+    if (*length == 0) {
+      block.error = FileError{ENODATA, FileError::Action::Reading, {}};
+      return block;
+    }
+    block.length += *length;
+  }
+  return block;
+}
+
+class Walk {
+ public:
+  Walk(uint64_t size, const std::function<bool()>& mayGoOn, const std::function<bool(uint64_t)>& report)
+      : size_(size), mayGoOn_(mayGoOn), report_(report) {}
+
+  ChunkedCopyResult run(FileHandle& source, FileHandle& destination) {
+    const auto blockSize = static_cast<size_t>(std::min<uint64_t>(size_, kPhysicalBlock));
+    auto buffer = std::make_unique_for_overwrite<std::byte[]>(blockSize);
+    while (result_.copied < size_ && asked()) {
+      auto wanted = static_cast<size_t>(std::min<uint64_t>(size_ - result_.copied, blockSize));
+      Block block = readBlock(source, buffer.get(), wanted);
+      WriteOutcome outcome = destination.write(buffer.get(), block.length);
+      written_ += outcome.written;
+      account(block.length, outcome.written);
+      if (result_.end != ChunkedCopyResult::End::Complete) break;
+      if (outcome.error) {
+        fail(*outcome.error);
+      } else if (block.error) {
+        fail(*block.error);
+      } else {
+        continue;
+      }
+      break;
+    }
+    if (written_ > result_.copied) (void)destination.truncate(result_.copied);
+    return result_;
+  }
+
+ private:
+  /// Walks a written block unit by unit. A unit that was only partly written is not accounted for.
+  void account(size_t length, size_t written) {
+    size_t walked = 0;
+    while (walked < length) {
+      size_t unit = std::min(kCopyUnit, length - walked);
+      if (walked + unit > written) return;
+      if (walked > 0 && !asked()) return;
+      walked += unit;
+      result_.copied += unit;
+      if (!report_(result_.copied)) {
+        result_.end = ChunkedCopyResult::End::Stopped;
+        return;
+      }
+    }
+  }
+
+  bool asked() {
+    if (mayGoOn_()) return true;
+    result_.end = ChunkedCopyResult::End::Stopped;
+    return false;
+  }
+
+  void fail(const FileError& error) {
+    result_.end = ChunkedCopyResult::End::Failed;
+    result_.error = error;
+  }
+
+  const uint64_t size_;
+  const std::function<bool()>& mayGoOn_;
+  const std::function<bool(uint64_t)>& report_;
+  uint64_t written_ = 0;
+  ChunkedCopyResult result_;
+};
+
+}  // namespace
+
+ChunkedCopyResult copyInChunks(FileHandle& source, FileHandle& destination, uint64_t size,
+                               const std::function<bool()>& mayGoOn,
+                               const std::function<bool(uint64_t copied)>& report) {
+  return Walk(size, mayGoOn, report).run(source, destination);
+}
+
+}  // namespace umsservice

@@ -1,0 +1,240 @@
+#include "umsservice/Value.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstdio>
+#include <limits>
+#include <locale>
+#include <sstream>
+#include <type_traits>
+
+namespace umsservice {
+namespace {
+
+constexpr std::string_view kWhiteSpace = " \t\n\v\f\r";
+
+std::string_view withoutLeadingSpace(std::string_view text) {
+  size_t start = text.find_first_not_of(kWhiteSpace);
+  return start == std::string_view::npos ? std::string_view() : text.substr(start);
+}
+
+/// Sign and digits at the start of a text; the amount saturates.
+struct ScannedInteger {
+  bool negative = false;
+  uint64_t amount = 0;
+};
+
+ScannedInteger scanInteger(std::string_view text) {
+  ScannedInteger scanned;
+  text = withoutLeadingSpace(text);
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) {
+    scanned.negative = text.front() == '-';
+    text.remove_prefix(1);
+  }
+  if (text.empty() || text.front() < '0' || text.front() > '9') return scanned;
+  auto [end, failure] = std::from_chars(text.data(), text.data() + text.size(), scanned.amount);
+  if (failure == std::errc::result_out_of_range) scanned.amount = std::numeric_limits<uint64_t>::max();
+  return scanned;
+}
+
+template <typename Signed>
+Signed saturatedSigned(ScannedInteger scanned) {
+  constexpr auto kMax = static_cast<uint64_t>(std::numeric_limits<Signed>::max());
+  if (scanned.negative && scanned.amount > kMax) return std::numeric_limits<Signed>::min();
+  uint64_t amount = std::min(scanned.amount, kMax);
+  return scanned.negative ? static_cast<Signed>(-static_cast<int64_t>(amount)) : static_cast<Signed>(amount);
+}
+
+template <typename Unsigned>
+Unsigned wrappedUnsigned(ScannedInteger scanned) {
+  if (scanned.negative) return static_cast<Unsigned>(saturatedSigned<int64_t>(scanned));
+  return static_cast<Unsigned>(scanned.amount);
+}
+
+template <typename Integer>
+Integer saturatedReal(double real) {
+  if (std::isnan(real)) return 0;
+  if (real <= static_cast<double>(std::numeric_limits<Integer>::min()))
+    return std::numeric_limits<Integer>::min();
+  if (real >= static_cast<double>(std::numeric_limits<Integer>::max()))
+    return std::numeric_limits<Integer>::max();
+  return static_cast<Integer>(real);
+}
+
+bool textIsTrue(std::string_view text) {
+  text = withoutLeadingSpace(text);
+  if (!text.empty() && (text.front() == '-' || text.front() == '+')) text.remove_prefix(1);
+  size_t start = text.find_first_not_of('0');
+  return start != std::string_view::npos &&
+         std::string_view("YyTt123456789").find(text[start]) != std::string_view::npos;
+}
+
+double realOfText(std::string_view text) {
+  text = withoutLeadingSpace(text);
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  std::istringstream stream{std::string(text)};
+  stream.imbue(std::locale::classic());
+  double real = 0;
+  return stream >> real ? real : 0;
+}
+
+std::string realInWords(double real) {
+  char buffer[40];
+  std::snprintf(buffer, sizeof buffer, "%.17g", real);
+  return buffer;
+}
+
+std::string indented(std::string text) {
+  for (size_t at = text.find('\n'); at != std::string::npos; at = text.find('\n', at + 5))
+    text.replace(at, 1, "\n    ");
+  return text;
+}
+
+std::string describeArray(const Array& array) {
+  std::string words = "(";
+  for (const Value& element : array.snapshot()) {
+    words += (words.size() > 1 ? "," : "") + std::string("\n    ") + indented(element.description());
+  }
+  return words + "\n)";
+}
+
+std::string describeDictionary(const Dictionary& dictionary) {
+  std::string words = "{";
+  for (const std::string& name : dictionary.keys()) {
+    words += "\n    " + name + " = " + indented(dictionary.get(name).description()) + ";";
+  }
+  return words + "\n}";
+}
+
+bool isEqualArrays(const Array& left, const Array& right) {
+  if (left.isSame(right)) return true;
+  auto first = left.snapshot();
+  auto second = right.snapshot();
+  if (first.size() != second.size()) return false;
+  for (size_t i = 0; i < first.size(); ++i) {
+    if (!first[i].isEqual(second[i])) return false;
+  }
+  return true;
+}
+
+/// Any alternative of a value as an integer.
+template <typename Integer, typename Held>
+Integer integerOf(const Held& held) {
+  if constexpr (std::is_same_v<Held, double>) {
+    return saturatedReal<Integer>(held);
+  } else if constexpr (std::is_arithmetic_v<Held>) {
+    return static_cast<Integer>(held);
+  } else if constexpr (std::is_same_v<Held, std::string>) {
+    if constexpr (std::is_signed_v<Integer>)
+      return saturatedSigned<Integer>(scanInteger(held));
+    else
+      return wrappedUnsigned<Integer>(scanInteger(held));
+  } else {
+    return 0;
+  }
+}
+
+}  // namespace
+
+Value::Value(MaybeString text) {
+  if (text) held_ = std::move(*text);
+}
+Value::Value(const Array& array) : held_(array.storage()) {}
+Value::Value(const Dictionary& dictionary) : held_(dictionary.storage()) {}
+
+MaybeString Value::string() const {
+  const std::string* text = stringIfAny();
+  return text ? MaybeString(*text) : std::nullopt;
+}
+
+std::optional<Array> Value::array() const {
+  auto* storage = std::get_if<std::shared_ptr<ArrayStorage>>(&held_);
+  return storage ? std::optional<Array>(Array(*storage)) : std::nullopt;
+}
+
+std::optional<Dictionary> Value::dictionary() const {
+  auto* storage = std::get_if<std::shared_ptr<DictionaryStorage>>(&held_);
+  return storage ? std::optional<Dictionary>(Dictionary(*storage)) : std::nullopt;
+}
+
+std::shared_ptr<const Data> Value::data() const {
+  auto* bytes = std::get_if<std::shared_ptr<const Data>>(&held_);
+  return bytes ? *bytes : nullptr;
+}
+
+int32_t Value::intValue() const {
+  return std::visit([](const auto& held) { return integerOf<int32_t>(held); }, held_);
+}
+
+uint32_t Value::unsignedIntValue() const {
+  return std::visit([](const auto& held) { return integerOf<uint32_t>(held); }, held_);
+}
+
+int64_t Value::longLongValue() const {
+  return std::visit([](const auto& held) { return integerOf<int64_t>(held); }, held_);
+}
+
+uint64_t Value::unsignedLongLongValue() const {
+  return std::visit([](const auto& held) { return integerOf<uint64_t>(held); }, held_);
+}
+
+double Value::doubleValue() const {
+  if (const std::string* text = stringIfAny()) return realOfText(*text);
+  if (auto* real = std::get_if<double>(&held_)) return *real;
+  return kind() == Kind::UInt64 ? static_cast<double>(unsignedLongLongValue())
+                                : static_cast<double>(longLongValue());
+}
+
+bool Value::boolValue() const {
+  if (const std::string* text = stringIfAny()) return textIsTrue(*text);
+  if (auto* real = std::get_if<double>(&held_)) return *real != 0;
+  return unsignedLongLongValue() != 0;
+}
+
+bool Value::isEqual(const Value& other) const {
+  if (isNumber() && other.isNumber()) {
+    if (kind() == Kind::Real || other.kind() == Kind::Real) return doubleValue() == other.doubleValue();
+    bool negative = longLongValue() < 0 && kind() != Kind::UInt64;
+    bool otherNegative = other.longLongValue() < 0 && other.kind() != Kind::UInt64;
+    return negative == otherNegative && unsignedLongLongValue() == other.unsignedLongLongValue();
+  }
+  if (kind() != other.kind()) return false;
+  switch (kind()) {
+    case Kind::String:
+      return *stringIfAny() == *other.stringIfAny();
+    case Kind::Data:
+      return *data() == *other.data();
+    case Kind::Array:
+      return isEqualArrays(*array(), *other.array());
+    case Kind::Dictionary:
+      return dictionary()->isEqualToDictionary(*other.dictionary());
+    default:
+      return true;
+  }
+}
+
+std::string Value::description() const {
+  switch (kind()) {
+    case Kind::Nil:
+      return "(null)";
+    case Kind::Null:
+      return "<null>";
+    case Kind::Real:
+      return realInWords(doubleValue());
+    case Kind::String:
+      return *stringIfAny();
+    case Kind::Data:
+      return "<" + std::to_string(data()->size()) + " bytes>";
+    case Kind::Array:
+      return describeArray(*array());
+    case Kind::Dictionary:
+      return describeDictionary(*dictionary());
+    case Kind::UInt32:
+    case Kind::UInt64:
+      return std::to_string(unsignedLongLongValue());
+    default:
+      return std::to_string(longLongValue());
+  }
+}
+
+}  // namespace umsservice

@@ -1,0 +1,31 @@
+/// An open descriptor of the running system. Used by one thread at a time.
+#pragma once
+
+#include "umsservice/FileSystem.h"
+
+namespace umsservice {
+
+class PosixFileHandle final : public FileHandle {
+ public:
+  /// Takes over an open descriptor.
+  PosixFileHandle(int descriptor, std::string path);
+  ~PosixFileHandle() override;
+  PosixFileHandle(const PosixFileHandle&) = delete;
+  PosixFileHandle& operator=(const PosixFileHandle&) = delete;
+
+  FileResult<size_t> read(void* buffer, size_t size) override;
+  WriteOutcome write(const void* buffer, size_t size) override;
+  FileStatus truncate(uint64_t size) override;
+  FileStatus sync() override;
+  FileStatus close() override;
+
+ private:
+  FileError failure(FileError::Action action, int number) const { return FileError{number, action, path_}; }
+
+  int descriptor_;
+  const std::string path_;
+  const uint64_t sizeLimit_;  ///< the process's limit on file sizes, in bytes
+  uint64_t position_ = 0;
+};
+
+}  // namespace umsservice

@@ -1,0 +1,197 @@
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/statvfs.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+
+#include "ExclusiveRename.h"
+#include "PosixFileHandle.h"
+#include "Retry.h"
+#include "umsservice/FileSystem.h"
+
+namespace umsservice {
+namespace {
+
+using Action = FileError::Action;
+
+FileType typeOfMode(mode_t mode) {
+  if (S_ISREG(mode)) return FileType::Regular;
+  if (S_ISDIR(mode)) return FileType::Directory;
+  if (S_ISLNK(mode)) return FileType::SymbolicLink;
+  return FileType::Other;
+}
+
+FileType typeOfEntry(const dirent& entry) {
+  switch (entry.d_type) {
+    case DT_REG:
+      return FileType::Regular;
+    case DT_DIR:
+      return FileType::Directory;
+    case DT_LNK:
+      return FileType::SymbolicLink;
+    case DT_UNKNOWN:
+      return FileType::Unknown;
+    default:
+      return FileType::Other;
+  }
+}
+
+FileAttributes attributesOf(const struct stat& status) {
+  FileAttributes attributes;
+  attributes.type = typeOfMode(status.st_mode);
+  attributes.size = static_cast<uint64_t>(status.st_size);
+  attributes.device = static_cast<uint64_t>(status.st_dev);
+  attributes.inode = static_cast<uint64_t>(status.st_ino);
+  attributes.modified = static_cast<int64_t>(status.st_mtime);
+  return attributes;
+}
+
+/// A path with a NUL byte would silently name something else.
+bool isUsablePath(const std::string& path) {
+  return path.find('\0') == std::string::npos;
+}
+
+struct CloseFolder {
+  void operator()(DIR* folder) const { ::closedir(folder); }
+};
+
+/// Opens without ever waiting for a peer, and keeps the descriptor only when it is a regular file.
+FileResult<std::unique_ptr<FileHandle>> openRegular(const std::string& path, int flags, Action action) {
+  if (!isUsablePath(path)) return FileError{EINVAL, action, path};
+  int descriptor =
+      retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666); });
+  if (descriptor < 0) return FileError{errno, action, path};
+  auto handle = std::make_unique<PosixFileHandle>(descriptor, path);
+  struct stat status {};
+  if (::fstat(descriptor, &status) != 0) return FileError{errno, action, path};
+  if (S_ISDIR(status.st_mode)) return FileError{EISDIR, action, path};
+  if (!S_ISREG(status.st_mode)) return FileError{EOPNOTSUPP, action, path};
+  return std::unique_ptr<FileHandle>(std::move(handle));
+}
+
+class PosixFileSystem final : public FileSystem {
+ public:
+  FileResult<FileAttributes> attributes(const std::string& path) override { return status(path, ::stat); }
+
+  FileResult<FileAttributes> linkAttributes(const std::string& path) override {
+    return status(path, ::lstat);
+  }
+
+  FileResult<VolumeSpace> space(const std::string& path) override {
+    if (!isUsablePath(path)) return FileError{EINVAL, Action::Reading, path};
+    struct statvfs volume {};
+    if (retried([&] { return ::statvfs(path.c_str(), &volume); }) != 0)
+      return FileError{errno, Action::Reading, path};
+    uint64_t unit = volume.f_frsize;
+    return VolumeSpace{unit * volume.f_blocks, unit * volume.f_bavail};
+  }
+
+  FileResult<std::vector<DirectoryEntry>> list(const std::string& folder) override {
+    if (!isUsablePath(folder)) return FileError{EINVAL, Action::Reading, folder};
+    int descriptor =
+        retried([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK); });
+    if (descriptor < 0) return FileError{errno, Action::Reading, folder};
+    std::unique_ptr<DIR, CloseFolder> stream(::fdopendir(descriptor));
+    if (!stream) {
+      FileError error{errno, Action::Reading, folder};
+      ::close(descriptor);
+      return error;
+    }
+    std::vector<DirectoryEntry> entries;
+    for (;;) {
+      errno = 0;
+      const dirent* entry = ::readdir(stream.get());
+      if (!entry) break;
+      if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
+      entries.push_back({entry->d_name, typeOfEntry(*entry)});
+    }
+    if (errno != 0) return FileError{errno, Action::Reading, folder};
+    return entries;
+  }
+
+  FileStatus createFolders(const std::string& folder) override {
+    if (!isUsablePath(folder) || folder.empty()) return FileError{EINVAL, Action::Writing, folder};
+    if (makeFolder(folder)) return Done{};
+    if (errno != ENOENT) return FileError{errno, Action::Writing, folder};
+    for (size_t at = folder.find('/', 1); at != std::string::npos; at = folder.find('/', at + 1)) {
+      std::string ancestor = folder.substr(0, at);
+      if (!makeFolder(ancestor)) return FileError{errno, Action::Writing, ancestor};
+    }
+    if (!makeFolder(folder)) return FileError{errno, Action::Writing, folder};
+    return Done{};
+  }
+
+  FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
+    return openRegular(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, Action::Writing);
+  }
+
+  FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override {
+    return openRegular(path, O_RDONLY, Action::Reading);
+  }
+
+  FileStatus move(const std::string& from, const std::string& to) override {
+    if (!isUsablePath(from) || !isUsablePath(to)) return FileError{EINVAL, Action::Writing, from};
+    if (renameWithoutReplacing(from.c_str(), to.c_str()) == 0) return Done{};
+    int reason = errno;
+    return FileError{reason, Action::Writing, reason == EEXIST ? to : from};
+  }
+
+  FileStatus remove(const std::string& path) override {
+    auto found = linkAttributes(path);
+    if (!found) return FileError{found.error().systemNumber, Action::Writing, path};
+    std::error_code failure;
+    std::filesystem::remove_all(path, failure);
+    if (failure) return FileError{failure.value(), Action::Writing, path};
+    return Done{};
+  }
+
+  FileStatus syncVolume(const std::string& path) override {
+    int descriptor = retried([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); });
+    if (descriptor < 0) return FileError{errno, Action::Writing, path};
+#if defined(__linux__)
+    int result = ::syncfs(descriptor);
+    FileError error{errno, Action::Writing, path};
+#else
+    int result = 0;
+    FileError error{};
+    ::sync();
+#endif
+    ::close(descriptor);
+    if (result != 0) return error;
+    return Done{};
+  }
+
+ private:
+  template <typename Call>
+  static FileResult<FileAttributes> status(const std::string& path, Call call) {
+    if (!isUsablePath(path)) return FileError{EINVAL, Action::Reading, path};
+    struct stat status {};
+    if (retried([&] { return call(path.c_str(), &status); }) != 0)
+      return FileError{errno, Action::Reading, path};
+    return attributesOf(status);
+  }
+
+  /// True when the folder is there afterwards; otherwise `errno` says why not.
+  static bool makeFolder(const std::string& folder) {
+    if (::mkdir(folder.c_str(), 0777) == 0) return true;
+    int reason = errno;
+    struct stat status {};
+    if (reason != ENOENT && ::stat(folder.c_str(), &status) == 0 && S_ISDIR(status.st_mode)) return true;
+    errno = reason;
+    return false;
+  }
+};
+
+}  // namespace
+
+std::shared_ptr<FileSystem> posixFileSystem() {
+  static const auto files = std::make_shared<PosixFileSystem>();
+  return files;
+}
+
+}  // namespace umsservice
