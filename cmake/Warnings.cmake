@@ -1,14 +1,14 @@
 # Warnings, all of them errors, and the sanitizers of the chosen preset: for every target of the project.
-add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Wold-style-cast
-                    -Woverloaded-virtual -Wno-missing-field-initializers -Werror)
+add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wno-missing-field-initializers -Werror
+                    "$<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-Wnon-virtual-dtor;-Wold-style-cast;-Woverloaded-virtual>")
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
   add_compile_options(-Wshadow -Wthread-safety)
 else()
   # This compiler takes the enumerators of a scoped enumeration for shadows of types of the same name, and
-  # misfires on std::optional and std::variant in its optimiser.
-  add_compile_options(-Wshadow=local -Wno-maybe-uninitialized)
+  # misfires on std::optional, std::variant and std::string in its optimiser.
+  add_compile_options(-Wshadow=local -Wno-maybe-uninitialized -Wno-restrict)
 endif()
 if(UMS_SANITIZE)
-  add_compile_options(-fsanitize=${UMS_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all -O1)
+  add_compile_options(-fsanitize=${UMS_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)
   add_link_options(-fsanitize=${UMS_SANITIZE})
 endif()

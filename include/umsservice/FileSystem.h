@@ -126,6 +126,9 @@ class FileSystem {
   virtual FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) = 0;
   /// Renames an item; an item that already has the new name is left alone and the call fails.
   virtual FileStatus move(const std::string& from, const std::string& to) = 0;
+  /// Renames a file; one that already has the new name is replaced in the same step, and a link of that name
+  /// is replaced itself. Asks the device to keep the new name. A folder is never replaced.
+  virtual FileStatus replace(const std::string& from, const std::string& to) = 0;
   /// Removes an item; a folder goes with everything in it. Links are removed, not followed.
   virtual FileStatus remove(const std::string& path) = 0;
   /// Asks the device that holds an existing path to keep everything that was written to it.

@@ -11,7 +11,8 @@
 
 namespace umsservice {
 
-/// Takes finished lines of the form "[file:method-(line)] message".
+/// Takes finished lines of the form "[file:method-(line)] message"; one message, about an episode that an
+/// index has already, comes bare.
 class LogSink {
  public:
   virtual ~LogSink() = default;

@@ -34,6 +34,8 @@ class OVFileService {
   /// The device's volumes (see `UMSService::diskInformation`), or nothing.
   virtual MaybeArray diskInformation() = 0;
   virtual MaybeString modelName() = 0;
+  /// Makes a folder on the device, and all folders above it.
+  virtual bool createFolder(const MaybeString& path) = 0;
   /// See `UMSService::syncWriteFileToDevice`.
   virtual bool syncWriteFileToDevice(const MaybeDictionary& fileInformation, const MaybeString& subFolderName,
                                      uint32_t diskIndex, uint32_t mediaType, bool isOverWrite,

@@ -7,7 +7,8 @@
 /// Threading: every method may be called from any thread, and from inside a notification handler. Entry
 /// points that queue a request return at once; everything else works on the calling thread.
 /// Lifetime: releasing a service stops what is running within 4096 copied bytes and waits for its worker. The
-/// last reference may go away inside a handler, also on the worker itself, which then ends by itself.
+/// last reference may go away inside a handler. When that handler belongs to a running request, of this
+/// service or of another one, nobody waits and the worker ends by itself.
 /// Method names and argument order are those of the host's selectors; "nil" is an absent value. Paths are
 /// full paths; volume indexes are 0-based and come from "diskIndex"; error numbers stand in
 /// `ErrorNumbers.h`, media types and commands in `ServiceInfo.h`.
@@ -25,7 +26,7 @@
 
 namespace umsservice {
 
-class UMSService final : public TransferCallback {
+class UMSService final : public OVFileService, public TransferCallback {
  public:
   // ---------------------------------------------------------------- core: life and identity
 
@@ -43,7 +44,7 @@ class UMSService final : public TransferCallback {
   MaybeString locationID();
   /// Takes the model name from the key "MN"; without it nothing changes.
   void setDeviceInformation(const MaybeDictionary& deviceInformation);
-  MaybeString modelName();
+  MaybeString modelName() override;
 
   /// Marks the device as gone when the location is this service's (in any letter case), then waits while a
   /// transfer is marked, one second at a time.
@@ -66,7 +67,7 @@ class UMSService final : public TransferCallback {
   /// Removes the first volume equal to the argument, "diskIndex" included; no renumbering.
   void removeDiskInformation(const MaybeDictionary& diskInformation);
   /// The list of volumes itself: it shows later changes.
-  MaybeArray diskInformation();
+  MaybeArray diskInformation() override;
   /// The volume with that "diskIndex", or nil.
   MaybeDictionary diskInfoFromIndex(uint32_t index);
   /// The same lookup in a list of another device.
@@ -121,6 +122,9 @@ class UMSService final : public TransferCallback {
   /// Runs one request on the calling thread, as the worker does; true when its command succeeded. The
   /// request stays the caller's.
   bool doUmsFileService(const _serviceinfo* serviceInfo);
+  /// The worker's body: runs queued requests on the calling thread until the service is released. Each
+  /// service has started one such thread of its own.
+  void umsFileServiceQueueThread();
 
   // ---------------------------------------------------------------- report
 
@@ -164,6 +168,13 @@ class UMSService final : public TransferCallback {
   /// The long operations; each runs the whole request on the calling thread.
   bool doCopyMediaContents(const _serviceinfo& serviceInfo);
   bool doCopyMediaContentsForAnyMediaType(const _serviceinfo& serviceInfo);
+  bool doSyncMediaContents(const _serviceinfo& serviceInfo);
+  bool doDeleteMediaContents(const _serviceinfo& serviceInfo);
+  bool doDeviceToDevcieContents(const _serviceinfo& serviceInfo);
+  /// Tries one file of a sync on every volume but the given one; 0 when it was placed, otherwise the error
+  /// number as it stands. The content dictionary is not read.
+  int32_t syncUmsFile(uint32_t serviceID, const MaybeString& atPath, uint32_t index, uint32_t mediaType,
+                      const MaybeDictionary& mediaData, OVUmsDeviceNotifier* context);
 
   // ---------------------------------------------------------------- files
 
@@ -188,12 +199,112 @@ class UMSService final : public TransferCallback {
   bool deletefileAtDevice(const MaybeString& path, uint32_t* error);
   bool deleteFolder(const MaybeString& path);
   /// Makes a folder and all folders above it.
-  bool createFolder(const MaybeString& path);
+  bool createFolder(const MaybeString& path) override;
+
+  /// Every file of a volume with "FilePath", "FileName" and "FileSize"; nil for an unknown volume, while the
+  /// service shuts down, and when there is no file. With the flag, hidden entries and the files of folders
+  /// with a ".nomedia" marker are left out. The first argument is not used.
+  MaybeArray subpathsAtDisk(uint32_t unused, uint32_t diskIndex, bool skipNoMedia);
+  /// The same scan of any folder; without the flag's argument it is set.
+  MaybeArray fileScan(const MaybeString& folder, bool skipNoMedia);
+  MaybeArray fileScan(const MaybeString& folder);
+  /// Whether any component of a path begins with ".".
+  bool isHiddenFile(const MaybeString& path);
+
+  // Direct transfers copy one file on the calling thread. `fileInformation` names the source ("FilePath") and
+  // its name ("FileName", else the last component of the path). The callback, which may be null, hears the
+  // bytes copied after each 4096 of them and may stop the copy. `error` is written only where a step has a
+  // number and may be null. What was copied of a stopped or failed transfer stays.
+
+  /// To a full path on the device; "FileSize" is held against the free space. An existing file is replaced
+  /// only with the flag.
+  bool writeFileToDevice(const MaybeDictionary& fileInformation, const MaybeString& destinationPath,
+                         uint32_t diskIndex, uint32_t mediaType, bool isOverWrite,
+                         const std::shared_ptr<TransferCallback>& callbackObject, TransferContext* context,
+                         uint32_t* error);
+  /// From the device to a full path on the computer.
+  bool readFileFromDevice(const MaybeDictionary& fileInformation, const MaybeString& destinationPath,
+                          uint32_t diskIndex, uint32_t mediaType, bool isOverWrite,
+                          const std::shared_ptr<TransferCallback>& callbackObject, TransferContext* context,
+                          uint32_t* error);
+  /// Into the default folder of a media type on a volume, or an existing sub-folder of it. An existing file
+  /// is replaced whatever the flag says. True without a copy when the folder cannot be made.
+  bool syncWriteFileToDevice(const MaybeDictionary& fileInformation, const MaybeString& subFolderName,
+                             uint32_t diskIndex, uint32_t mediaType, bool isOverWrite,
+                             const std::shared_ptr<TransferCallback>& callbackObject,
+                             TransferContext* context, uint32_t* error) override;
+  /// Replaces a file's contents with those bytes.
+  bool writeFileData(const MaybeString& path, const std::shared_ptr<const Data>& data);
+  /// The whole contents of a file; null when they cannot be read.
+  std::shared_ptr<const Data> readFileData(const MaybeString& path);
+
+  /// The path to play a described file by; nil without one. The numbers are not used.
+  MaybeString copyContentToPlay(uint32_t serviceID, uint32_t diskIndex, uint32_t mediaType,
+                                const MaybeDictionary& fileInformation);
+  /// Whether a description carries a path. The numbers are not used, and `returnNode` is never written.
+  bool isExistContentFromMac(uint32_t serviceID, uint32_t diskIndex, uint32_t mediaType,
+                             const MaybeDictionary& fileInformation, Value* returnNode);
+
+  // ---------------------------------------------------------------- listings
+
+  // The first argument of these four is not used. Nil for an unknown volume or type, and for a volume that
+  // cannot be listed; otherwise an array, which may be empty.
+
+  /// Dictionaries with tags of one media type on one volume, without "AlbumArt", with "diskIndex".
+  MaybeArray fileInformationList(uint32_t unused, uint32_t mediaType, uint32_t diskIndex);
+  /// "diskIndex", "FilePath" and "FileName" of music, images or videos; no file is opened.
+  MaybeArray fileNameList(uint32_t unused, uint32_t mediaType, uint32_t diskIndex);
+  /// The same with "FileSize" and the path below the volume as "FileName", behind "External/" on cards.
+  MaybeArray fileNameListWithFolderStructure(uint32_t unused, uint32_t mediaType, uint32_t diskIndex);
+  /// Four groups ("DiskIndex", "ContentMediaType", "ContentMediaTag") for each volume.
+  MaybeArray fileInformationListForAllMediaType(uint32_t unused);
+  /// Files of given extensions (["*"] for all) in any folder; with "FolderName" when recursive.
+  MaybeArray fileInformationList(const MaybeString& folder, const MaybeArray& extensionList, bool recursive);
+  /// The tag dictionaries of such files directly in a folder.
+  MaybeArray fileInformationList(const MaybeString& folder, const MaybeArray& extensionList);
+  /// The description of a file that was just placed at a path: the given one with that path when it has a
+  /// "Title", else the file's own tags.
+  MaybeDictionary mediaFileInfoFromDevice(const MaybeDictionary& fileInformation, const MaybeString& path);
+  /// Whether a path contains the default folder of a media type, in any letter case.
+  bool checkMediaContent(const MaybeString& volumePath, const MaybeString& filePath, int32_t diskType,
+                         int32_t mediaType);
+
+  // ---------------------------------------------------------------- podcast
+
+  // A channel is a dictionary of texts with its episodes, dictionaries too, under "children". Each lies in a
+  // folder of its own with an index file NAME.xml, which lists it.
+
+  /// The channel of one index file, with full paths and without the episodes whose files are gone; they leave
+  /// the index too. Nil for a file that is no index.
+  MaybeDictionary umsPodcastXmlData(const MaybeString& path);
+  /// Paths, relative to a podcast folder, of the index files below it. The first argument is not used.
+  bool podcastXmlLists(uint32_t unused, const MaybeString& fileName, MaybeArray* contents);
+  /// A channel as its index file has it, with paths relative to the channel's folder; nil without one.
+  MaybeDictionary checkXmlData(const MaybeString& channelFolder, const MaybeString& channelName);
+  /// Makes the path of every episode full, in place; paths that begin with the folder stay.
+  void makeEpisodeFullPath(const MaybeDictionary& podcast, const MaybeString& podcastChannelName);
+  /// The channel that the bytes of an index hold, with the folder in front of every path; nil for no index.
+  MaybeDictionary makeXMLInfoFromFileData(const MaybeString& channelFolder,
+                                          const std::shared_ptr<const Data>& data);
+  /// Episodes, and bytes, of a list of channels. `sendCount` becomes the number of episodes and may be null.
+  uint32_t totalPodcastCount(const MaybeArray& podcasts);
+  uint64_t totalPodcastFileSize(const MaybeArray& podcasts, uint32_t* sendCount);
+  /// Bytes of a list of episodes, and whether they fit on the volume that holds a path.
+  uint64_t totalUmsPodcastEpisodeDataSize(const MaybeArray& episodes);
+  bool checkUmsPodcastEpisodeSize(const MaybeString& volumePath, const MaybeArray& episodeData);
+  /// The long operations; each runs the whole request on the calling thread.
+  bool doCopyPodcastContents(const _serviceinfo& serviceInfo);
+  bool doSyncPodcastContents(const _serviceinfo& serviceInfo);
+  bool doDeletePodcastContents(const _serviceinfo& serviceInfo);
+  bool doDeviceToDevicePodcast(const _serviceinfo& serviceInfo);
 
  private:
   struct Rooms;
 
   void startWorker();
+  static void serveQueue(const std::shared_ptr<Rooms>& rooms);
+  /// The rooms, kept for the length of a call: a handler inside it may let go of the service.
+  std::shared_ptr<Rooms> rooms() const { return rooms_; }
 
   const std::shared_ptr<Rooms>
       rooms_;  ///< shared with the worker, which may outlive this object for a moment

@@ -34,18 +34,46 @@ struct Null {
   bool operator==(const Null&) const = default;
 };
 
+/// An object of the host's frameworks that is no property-list value, for example a date or an image. The
+/// library passes it on untouched; in a document or a log line it stands by its description.
+class ForeignObject {
+ public:
+  virtual ~ForeignObject() = default;
+  virtual std::string description() const = 0;
+  /// Asked about another one of the same host.
+  virtual bool isEqual(const ForeignObject& other) const = 0;
+};
+
 /// One property-list value. Nil is the default.
 class Value {
  public:
-  /// What a value holds; numbers keep the width and the signedness that they were made with.
-  enum class Kind { Nil, Null, Boolean, Int32, UInt32, Int64, UInt64, Real, String, Data, Array, Dictionary };
+  /// What a value holds (`Absent` is nil, a name that the desktop's headers have taken); numbers keep the
+  /// width and the signedness that they were made with.
+  enum class Kind {
+    Absent,
+    Null,
+    Boolean,
+    Int32,
+    UInt32,
+    Int64,
+    UInt64,
+    Real,
+    String,
+    Data,
+    Array,
+    Dictionary,
+    Foreign
+  };
 
   Value() = default;
   Value(std::nullptr_t) {}
   Value(Null null) : held_(null) {}
   Value(bool flag) : held_(flag) {}
   Value(double real) : held_(real) {}
-  Value(const char* text) : held_(std::string(text)) {}
+  /// A null pointer gives nil.
+  Value(const char* text) {
+    if (text) held_ = std::string(text);
+  }
   Value(std::string_view text) : held_(std::string(text)) {}
   Value(std::string text) : held_(std::move(text)) {}
   /// Absent text gives nil.
@@ -53,12 +81,16 @@ class Value {
   Value(Data bytes) : held_(std::make_shared<const Data>(std::move(bytes))) {}
   Value(const Array& array);
   Value(const Dictionary& dictionary);
+  /// A null pointer gives nil.
+  Value(std::shared_ptr<ForeignObject> object) {
+    if (object) held_ = std::move(object);
+  }
   /// Integers of up to 32 bits become 32-bit numbers, wider ones 64-bit numbers, of the same signedness.
   template <std::integral T>
   Value(T number) : held_(widened(number)) {}
 
   Kind kind() const { return static_cast<Kind>(held_.index()); }
-  bool isNil() const { return kind() == Kind::Nil; }
+  bool isNil() const { return kind() == Kind::Absent; }
   bool isNumber() const { return kind() >= Kind::Boolean && kind() <= Kind::Real; }
 
   /// The text of a string value; absent for every other kind.
@@ -70,9 +102,12 @@ class Value {
   std::optional<Dictionary> dictionary() const;
   /// The bytes of a data value, or null; shared, never changed.
   std::shared_ptr<const Data> data() const;
+  /// The host's object held, or null.
+  std::shared_ptr<ForeignObject> foreignObject() const;
 
   /// Numbers are cut to the width asked for, as a C conversion does; reals saturate. Strings are read as
-  /// white space, sign and decimal digits, and saturate. Every other kind is 0.
+  /// white space, sign and decimal digits, and saturate (below 0, an unsigned width takes the signed number's
+  /// bits). Every other kind is 0.
   int32_t intValue() const;
   uint32_t unsignedIntValue() const;
   int64_t longLongValue() const;
@@ -91,7 +126,7 @@ class Value {
  private:
   using Held = std::variant<std::monostate, Null, bool, int32_t, uint32_t, int64_t, uint64_t, double,
                             std::string, std::shared_ptr<const Data>, std::shared_ptr<ArrayStorage>,
-                            std::shared_ptr<DictionaryStorage>>;
+                            std::shared_ptr<DictionaryStorage>, std::shared_ptr<ForeignObject>>;
 
   template <std::integral T>
   static Held widened(T number) {

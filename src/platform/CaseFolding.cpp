@@ -53,6 +53,20 @@ bool equalIgnoringCase(std::string_view left, std::string_view right) {
   return std::equal(leftFolded.get(), leftFolded.get() + leftLength, rightFolded.get());
 }
 
+bool containsIgnoringCase(std::string_view text, std::string_view needle) {
+  if (needle.empty()) return false;
+  if (findIgnoringAsciiCase(text, needle) != std::string_view::npos) return true;
+  if (isAscii(text) && isAscii(needle)) return false;
+  utf8proc_ssize_t textLength = 0;
+  utf8proc_ssize_t needleLength = 0;
+  auto textFolded = folded(text, textLength);
+  auto needleFolded = folded(needle, needleLength);
+  if (!textFolded || !needleFolded) return false;
+  const utf8proc_uint8_t* first = textFolded.get();
+  const utf8proc_uint8_t* sought = needleFolded.get();
+  return std::search(first, first + textLength, sought, sought + needleLength) != first + textLength;
+}
+
 size_t findIgnoringAsciiCase(std::string_view text, std::string_view needle) {
   auto found = std::search(text.begin(), text.end(), needle.begin(), needle.end(), sameAscii);
   return found == text.end() && !needle.empty() ? std::string_view::npos

@@ -9,6 +9,9 @@ namespace umsservice {
 /// with ASCII letters folded.
 bool equalIgnoringCase(std::string_view left, std::string_view right);
 
+/// Whether `needle` (not empty) occurs anywhere in `text`, by the same comparison.
+bool containsIgnoringCase(std::string_view text, std::string_view needle);
+
 /// Byte position of the first occurrence of `needle` in `text` without regard to ASCII letter case; npos
 /// when there is none.
 size_t findIgnoringAsciiCase(std::string_view text, std::string_view needle);

@@ -43,7 +43,8 @@ class Walk {
     while (result_.copied < size_ && asked()) {
       auto wanted = static_cast<size_t>(std::min<uint64_t>(size_ - result_.copied, blockSize));
       Block block = readBlock(source, buffer.get(), wanted);
-      WriteOutcome outcome = destination.write(buffer.get(), block.length);
+      WriteOutcome outcome;
+      if (block.length > 0) outcome = destination.write(buffer.get(), block.length);
       written_ += outcome.written;
       account(block.length, outcome.written);
       if (result_.end != ChunkedCopyResult::End::Complete) break;

@@ -1,4 +1,4 @@
-#include <map>
+#include <algorithm>
 
 #include "Mutex.h"
 #include "umsservice/Value.h"
@@ -43,37 +43,59 @@ class MemoryArray final : public ArrayStorage {
   std::vector<Value> values_ GUARDED_BY(mutex_);
 };
 
+using Entry = std::pair<std::string, Value>;
+
+/// Entries in the order of their keys. Dictionaries here have a handful of keys: one piece of memory beats a
+/// tree, in the hundreds of thousands that a listing makes.
 class MemoryDictionary final : public DictionaryStorage {
  public:
+  MemoryDictionary() = default;
+  /// The last of several entries with one key counts, and nil values are left out.
+  explicit MemoryDictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
+    auto before = [](const Entry& left, const Entry& right) { return left.first < right.first; };
+    std::stable_sort(entries_.begin(), entries_.end(), before);
+    auto sameKey = [](const Entry& left, const Entry& right) { return left.first == right.first; };
+    auto unique = std::unique(entries_.rbegin(), entries_.rend(), sameKey).base();
+    entries_.erase(entries_.begin(), unique);
+    std::erase_if(entries_, [](const Entry& entry) { return entry.second.isNil(); });
+  }
+
   Value get(std::string_view key) const override {
     MutexLock lock(mutex_);
-    auto found = entries_.find(key);
-    return found == entries_.end() ? Value() : found->second;
+    auto found = position(key);
+    return found != entries_.end() && found->first == key ? found->second : Value();
   }
   void set(std::string_view key, Value value) override {
     MutexLock lock(mutex_);
-    auto found = entries_.find(key);
-    if (value.isNil()) {
-      if (found == entries_.end()) return;
-      std::swap(value, found->second);
-      entries_.erase(found);
-    } else if (found == entries_.end()) {
-      entries_.emplace(key, std::move(value));
-    } else {
-      std::swap(value, found->second);
+    auto found = entries_.begin() + (position(key) - entries_.cbegin());
+    const bool isThere = found != entries_.end() && found->first == key;
+    if (isThere) {
+      std::swap(found->second, value);
+      if (found->second.isNil()) entries_.erase(found);
+    } else if (!value.isNil()) {
+      entries_.emplace(found, std::string(key), std::move(value));
     }
   }
   std::vector<std::string> keys() const override {
     MutexLock lock(mutex_);
     std::vector<std::string> names;
     names.reserve(entries_.size());
-    for (const auto& [name, value] : entries_) names.push_back(name);
+    for (const Entry& entry : entries_) names.push_back(entry.first);
     return names;
+  }
+  std::vector<Entry> entries() const {
+    MutexLock lock(mutex_);
+    return entries_;
   }
 
  private:
+  std::vector<Entry>::const_iterator position(std::string_view key) const REQUIRES(mutex_) {
+    return std::lower_bound(entries_.begin(), entries_.end(), key,
+                            [](const Entry& entry, std::string_view wanted) { return entry.first < wanted; });
+  }
+
   mutable Mutex mutex_;
-  std::map<std::string, Value, std::less<>> entries_ GUARDED_BY(mutex_);
+  std::vector<Entry> entries_ GUARDED_BY(mutex_);
 };
 
 }  // namespace
@@ -84,14 +106,19 @@ Array::Array(std::vector<Value> values) : storage_(std::make_shared<MemoryArray>
 
 Dictionary::Dictionary() : storage_(std::make_shared<MemoryDictionary>()) {}
 
-Dictionary::Dictionary(std::initializer_list<std::pair<std::string, Value>> entries) : Dictionary() {
-  for (const auto& [name, value] : entries) set(name, value);
-}
+Dictionary::Dictionary(std::initializer_list<std::pair<std::string, Value>> entries)
+    : storage_(std::make_shared<MemoryDictionary>(std::vector<Entry>(entries))) {}
 
 Dictionary Dictionary::mutableCopy() const {
-  Dictionary copy;
-  for (const std::string& name : keys()) copy.set(name, get(name));
-  return copy;
+  if (auto* own = dynamic_cast<const MemoryDictionary*>(storage_.get())) {
+    return Dictionary(std::make_shared<MemoryDictionary>(own->entries()));
+  }
+  std::vector<Entry> entries;
+  for (std::string& name : keys()) {
+    Value value = get(name);
+    entries.emplace_back(std::move(name), std::move(value));
+  }
+  return Dictionary(std::make_shared<MemoryDictionary>(std::move(entries)));
 }
 
 bool Dictionary::isEqualToDictionary(const Dictionary& other) const {

@@ -1,6 +1,8 @@
 /// Whole small files in memory.
 #pragma once
 
+#include <string_view>
+
 #include "umsservice/FileSystem.h"
 #include "umsservice/Value.h"
 
@@ -9,5 +11,11 @@ namespace umsservice {
 /// All bytes of a regular file. A file of more than `limit` bytes is an error, so that an untrusted volume
 /// cannot fill the memory.
 FileResult<Data> readContents(FileSystem& files, const std::string& path, uint64_t limit);
+/// The same from an open file, to its end; `path` only names it in errors.
+FileResult<Data> readContents(FileHandle& handle, const std::string& path, uint64_t limit);
+
+/// Puts a file of exactly these bytes under a name, replacing one that is there: whole or not at all. The
+/// bytes are written to a hidden neighbour first; after a failure that is gone and what was there stays.
+FileStatus replaceContents(FileSystem& files, const std::string& path, std::string_view bytes);
 
 }  // namespace umsservice

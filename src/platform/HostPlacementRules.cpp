@@ -27,6 +27,12 @@ class HostPlacementRules final : public PlacementRules {
   FileResult<VolumeSpace> spaceOf(FileSystem& files, const std::string& path) const override {
     return files.space(volumeOf(files, path));
   }
+
+  std::string syncFolder(const std::string& volumePath, const std::string& folder) const override {
+    return volumePath + folder;
+  }
+  uint32_t fallOverVolume(uint32_t failedIndex, uint32_t) const override { return failedIndex; }
+  std::string fallOverFolder(const std::string&, const std::string& folder) const override { return folder; }
 };
 
 }  // namespace

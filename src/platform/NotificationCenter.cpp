@@ -43,7 +43,7 @@ class LocalNotificationCenter final : public NotificationCenter {
   void post(const std::string& name, const Dictionary& userInfo) override {
     Notification notification{name, userInfo};
     for (const auto& observer : observersOf(name)) {
-      if (observer->active) observer->handler(notification);
+      if (observer->active && observer->handler) observer->handler(notification);
     }
   }
 

@@ -1,5 +1,6 @@
 #include "StringFormat.h"
 
+#include <algorithm>
 #include <cstdio>
 
 namespace umsservice {
@@ -15,7 +16,7 @@ struct Conversion {
 Conversion takeConversion(std::string_view format, size_t& at) {
   Conversion conversion;
   constexpr std::string_view kFlags = "0123456789-+ #";
-  constexpr size_t kLongestFlags = 8;  // bounds the width that a text can ask for
+  constexpr size_t kLongestFlags = 4;  // bounds the width that a text can ask for
   while (at < format.size() && kFlags.find(format[at]) != std::string_view::npos) {
     if (conversion.flags.size() < kLongestFlags) conversion.flags += format[at];
     ++at;
@@ -63,11 +64,13 @@ std::string FormatArgument::object() const {
   if (auto* value = std::get_if<const Value*>(&held_)) return (*value)->description();
   if (auto* error = std::get_if<const FileError*>(&held_)) return (*error)->description();
   if (auto* pointer = std::get_if<const void*>(&held_)) return *pointer ? hexadecimal(*pointer) : "(null)";
+  if (auto* number = std::get_if<int64_t>(&held_)) return std::to_string(*number);
   if (auto* number = std::get_if<uint64_t>(&held_)) return std::to_string(*number);
   return "(null)";
 }
 
 uint32_t FormatArgument::number() const {
+  if (auto* number = std::get_if<int64_t>(&held_)) return static_cast<uint32_t>(*number);
   auto* number = std::get_if<uint64_t>(&held_);
   return number ? static_cast<uint32_t>(*number) : 0;
 }

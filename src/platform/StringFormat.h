@@ -4,6 +4,7 @@
 /// number given to a 32-bit conversion prints its low 32 bits, and nil prints "(null)".
 #pragma once
 
+#include <concepts>
 #include <cstdint>
 #include <initializer_list>
 #include <string>
@@ -30,7 +31,9 @@ class FormatArgument {
   FormatArgument(const Value& value) : held_(&value) {}
   FormatArgument(const FileError& error) : held_(&error) {}
   FormatArgument(const void* pointer) : held_(pointer) {}
-  template <std::integral T>
+  template <std::signed_integral T>
+  FormatArgument(T number) : held_(static_cast<int64_t>(number)) {}
+  template <std::unsigned_integral T>
   FormatArgument(T number) : held_(static_cast<uint64_t>(number)) {}
 
   /// The argument as "%@" shows it.
@@ -41,7 +44,9 @@ class FormatArgument {
   std::string pointer() const;
 
  private:
-  std::variant<std::monostate, std::string_view, const Value*, const FileError*, const void*, uint64_t> held_;
+  std::variant<std::monostate, std::string_view, const Value*, const FileError*, const void*, int64_t,
+               uint64_t>
+      held_;
 };
 
 /// Conversions without an argument print nothing.

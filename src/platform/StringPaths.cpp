@@ -1,5 +1,7 @@
 #include "StringPaths.h"
 
+#include <algorithm>
+
 namespace umsservice {
 namespace {
 
@@ -15,11 +17,20 @@ std::string_view lastComponentOf(std::string_view path) {
   return separator == std::string_view::npos ? path : path.substr(separator + 1);
 }
 
+/// Every run of separators as one, and none at the end.
+std::string withSingleSeparators(std::string_view path) {
+  std::string tidy;
+  for (char c : withoutTrailingSeparators(path)) {
+    if (c != '/' || !tidy.ends_with('/')) tidy += c;
+  }
+  return tidy;
+}
+
 /// Where the extension's dot stands within a component; npos when there is none. A leading dot hides a name
-/// and does not begin an extension.
+/// and does not begin an extension, and the folder above has none.
 size_t extensionDot(std::string_view component) {
   size_t dot = component.rfind('.');
-  return dot == 0 ? std::string_view::npos : dot;
+  return dot == 0 || component == ".." ? std::string_view::npos : dot;
 }
 
 }  // namespace
@@ -53,15 +64,15 @@ std::string stringByDeletingLastPathComponent(std::string_view path) {
   path = withoutTrailingSeparators(path);
   size_t separator = path.rfind('/');
   if (separator == std::string_view::npos) return std::string();
-  return std::string(withoutTrailingSeparators(path.substr(0, separator + 1)));
+  return withSingleSeparators(path.substr(0, separator + 1));
 }
 
 std::string stringByDeletingPathExtension(std::string_view path) {
   path = withoutTrailingSeparators(path);
   std::string_view component = lastComponentOf(path);
   size_t dot = extensionDot(component);
-  if (dot == std::string_view::npos) return std::string(path);
-  return std::string(path.substr(0, path.size() - component.size() + dot));
+  size_t deleted = dot == std::string_view::npos ? 0 : component.size() - dot;
+  return withSingleSeparators(path.substr(0, path.size() - deleted));
 }
 
 std::string joinedPath(std::string_view folder, std::string_view name) {

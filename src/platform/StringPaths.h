@@ -13,13 +13,14 @@ std::vector<std::string> pathComponents(std::string_view path);
 /// "/tmp/a.mp3" and "/tmp/a.mp3/" give "a.mp3"; "/" gives "/"; "" gives "".
 std::string lastPathComponent(std::string_view path);
 
-/// The text after the last dot of the last component. Empty for "a", "a." and ".a".
+/// The text after the last dot of the last component. Empty for "a", "a.", ".a" and "..".
 std::string pathExtension(std::string_view path);
 
-/// "/tmp/a" gives "/tmp", "/tmp" gives "/", "a" gives "".
+/// "/tmp/a" gives "/tmp", "/tmp" gives "/", "a" gives "". Runs of separators collapse: "//a//b/c" gives
+/// "/a/b".
 std::string stringByDeletingLastPathComponent(std::string_view path);
 
-/// "/tmp/a.b.avi" gives "/tmp/a.b"; ".a" and "a" stay.
+/// "/tmp/a.b.avi" gives "/tmp/a.b"; ".a" and "a" stay. Runs of separators collapse here too.
 std::string stringByDeletingPathExtension(std::string_view path);
 
 /// "%@/%@": nothing is normalised.

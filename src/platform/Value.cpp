@@ -1,8 +1,9 @@
 #include "umsservice/Value.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
-#include <cstdio>
+#include <iomanip>
 #include <limits>
 #include <locale>
 #include <sstream>
@@ -45,10 +46,11 @@ Signed saturatedSigned(ScannedInteger scanned) {
   return scanned.negative ? static_cast<Signed>(-static_cast<int64_t>(amount)) : static_cast<Signed>(amount);
 }
 
+/// Text below 0 gives what a C conversion makes of the signed number.
 template <typename Unsigned>
-Unsigned wrappedUnsigned(ScannedInteger scanned) {
-  if (scanned.negative) return static_cast<Unsigned>(saturatedSigned<int64_t>(scanned));
-  return static_cast<Unsigned>(scanned.amount);
+Unsigned saturatedUnsigned(ScannedInteger scanned) {
+  if (scanned.negative) return static_cast<Unsigned>(saturatedSigned<std::make_signed_t<Unsigned>>(scanned));
+  return static_cast<Unsigned>(std::min<uint64_t>(scanned.amount, std::numeric_limits<Unsigned>::max()));
 }
 
 template <typename Integer>
@@ -69,19 +71,46 @@ bool textIsTrue(std::string_view text) {
          std::string_view("YyTt123456789").find(text[start]) != std::string_view::npos;
 }
 
+/// Length of the sign, digits, fraction and exponent that a text begins with; 0 when it is no number.
+size_t lengthOfReal(std::string_view text) {
+  constexpr std::string_view kDigits = "0123456789";
+  auto skip = [text](size_t at, std::string_view characters) {
+    return std::min(text.find_first_not_of(characters, at), text.size());
+  };
+  auto isAt = [text](size_t at, std::string_view characters) {
+    return at < text.size() && characters.find(text[at]) != std::string_view::npos;
+  };
+  size_t whole = isAt(0, "+-") ? 1 : 0;
+  size_t end = skip(whole, kDigits);
+  size_t digits = end - whole;
+  if (isAt(end, ".")) {
+    size_t fraction = end + 1;
+    end = skip(fraction, kDigits);
+    digits += end - fraction;
+  }
+  if (digits == 0) return 0;
+  size_t exponent = isAt(end, "eE") ? end + 1 : text.size();
+  if (isAt(exponent, "+-")) ++exponent;
+  return isAt(exponent, kDigits) ? skip(exponent, kDigits) : end;
+}
+
+/// Free of the host's locale, whose decimal point may be a comma.
 double realOfText(std::string_view text) {
   text = withoutLeadingSpace(text);
-  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  text = text.substr(0, lengthOfReal(text));
+  if (text.empty()) return 0;
   std::istringstream stream{std::string(text)};
   stream.imbue(std::locale::classic());
   double real = 0;
-  return stream >> real ? real : 0;
+  if (stream >> real) return real;
+  return text.front() == '-' ? -HUGE_VAL : HUGE_VAL;  // more than fits
 }
 
 std::string realInWords(double real) {
-  char buffer[40];
-  std::snprintf(buffer, sizeof buffer, "%.17g", real);
-  return buffer;
+  std::ostringstream stream;
+  stream.imbue(std::locale::classic());
+  stream << std::setprecision(16) << real;
+  return stream.str();
 }
 
 std::string indented(std::string text) {
@@ -117,6 +146,36 @@ bool isEqualArrays(const Array& left, const Array& right) {
   return true;
 }
 
+/// The amount of a number: its sign, and its bits as a 64-bit integer of that sign.
+using WholeAmount = std::pair<bool, uint64_t>;
+
+WholeAmount wholeAmount(const Value& integer) {
+  bool negative = integer.kind() != Value::Kind::UInt64 && integer.longLongValue() < 0;
+  return {negative, integer.unsignedLongLongValue()};
+}
+
+/// Absent for a real that no integer equals.
+std::optional<WholeAmount> wholeAmountOfReal(double real) {
+  constexpr double kBound = 18446744073709551616.0;  // 2 to the power of 64
+  if (!(real >= -kBound / 2 && real < kBound) || std::trunc(real) != real) return std::nullopt;
+  if (real < 0) return WholeAmount{true, static_cast<uint64_t>(static_cast<int64_t>(real))};
+  return WholeAmount{false, static_cast<uint64_t>(real)};
+}
+
+/// Exact for every pair of widths: a real is never compared with a rounded integer.
+bool isEqualNumbers(const Value& left, const Value& right) {
+  bool leftIsReal = left.kind() == Value::Kind::Real;
+  bool rightIsReal = right.kind() == Value::Kind::Real;
+  if (leftIsReal && rightIsReal) {
+    double a = left.doubleValue();
+    double b = right.doubleValue();
+    return a == b || (std::isnan(a) && std::isnan(b));
+  }
+  if (leftIsReal) return wholeAmountOfReal(left.doubleValue()) == wholeAmount(right);
+  if (rightIsReal) return wholeAmountOfReal(right.doubleValue()) == wholeAmount(left);
+  return wholeAmount(left) == wholeAmount(right);
+}
+
 /// Any alternative of a value as an integer.
 template <typename Integer, typename Held>
 Integer integerOf(const Held& held) {
@@ -128,7 +187,7 @@ Integer integerOf(const Held& held) {
     if constexpr (std::is_signed_v<Integer>)
       return saturatedSigned<Integer>(scanInteger(held));
     else
-      return wrappedUnsigned<Integer>(scanInteger(held));
+      return saturatedUnsigned<Integer>(scanInteger(held));
   } else {
     return 0;
   }
@@ -162,6 +221,11 @@ std::shared_ptr<const Data> Value::data() const {
   return bytes ? *bytes : nullptr;
 }
 
+std::shared_ptr<ForeignObject> Value::foreignObject() const {
+  auto* object = std::get_if<std::shared_ptr<ForeignObject>>(&held_);
+  return object ? *object : nullptr;
+}
+
 int32_t Value::intValue() const {
   return std::visit([](const auto& held) { return integerOf<int32_t>(held); }, held_);
 }
@@ -192,12 +256,7 @@ bool Value::boolValue() const {
 }
 
 bool Value::isEqual(const Value& other) const {
-  if (isNumber() && other.isNumber()) {
-    if (kind() == Kind::Real || other.kind() == Kind::Real) return doubleValue() == other.doubleValue();
-    bool negative = longLongValue() < 0 && kind() != Kind::UInt64;
-    bool otherNegative = other.longLongValue() < 0 && other.kind() != Kind::UInt64;
-    return negative == otherNegative && unsignedLongLongValue() == other.unsignedLongLongValue();
-  }
+  if (isNumber() && other.isNumber()) return isEqualNumbers(*this, other);
   if (kind() != other.kind()) return false;
   switch (kind()) {
     case Kind::String:
@@ -208,6 +267,8 @@ bool Value::isEqual(const Value& other) const {
       return isEqualArrays(*array(), *other.array());
     case Kind::Dictionary:
       return dictionary()->isEqualToDictionary(*other.dictionary());
+    case Kind::Foreign:
+      return foreignObject()->isEqual(*other.foreignObject());
     default:
       return true;
   }
@@ -215,7 +276,7 @@ bool Value::isEqual(const Value& other) const {
 
 std::string Value::description() const {
   switch (kind()) {
-    case Kind::Nil:
+    case Kind::Absent:
       return "(null)";
     case Kind::Null:
       return "<null>";
@@ -229,6 +290,8 @@ std::string Value::description() const {
       return describeArray(*array());
     case Kind::Dictionary:
       return describeDictionary(*dictionary());
+    case Kind::Foreign:
+      return foreignObject()->description();
     case Kind::UInt32:
     case Kind::UInt64:
       return std::to_string(unsignedLongLongValue());

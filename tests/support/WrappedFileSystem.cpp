@@ -132,6 +132,11 @@ FileStatus FaultyFileSystem::move(const std::string& from, const std::string& to
   return real_->move(from, to);
 }
 
+FileStatus FaultyFileSystem::replace(const std::string& from, const std::string& to) {
+  if (int number = faultOf(FileCall::Replace, to)) return faultAt(number, FileError::Action::Writing, to);
+  return real_->replace(from, to);
+}
+
 FileStatus FaultyFileSystem::remove(const std::string& path) {
   if (int number = faultOf(FileCall::Remove, path)) return faultAt(number, FileError::Action::Writing, path);
   return real_->remove(path);

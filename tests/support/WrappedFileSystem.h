@@ -20,6 +20,7 @@ enum class FileCall {
   CreateFile,
   OpenForReading,
   Move,
+  Replace,
   Remove,
   SyncVolume,
   Read,
@@ -55,6 +56,7 @@ class FaultyFileSystem final : public FileSystem {
   FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override;
   FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override;
   FileStatus move(const std::string& from, const std::string& to) override;
+  FileStatus replace(const std::string& from, const std::string& to) override;
   FileStatus remove(const std::string& path) override;
   FileStatus syncVolume(const std::string& path) override;
 
@@ -99,6 +101,9 @@ class MappedFileSystem final : public FileSystem {
   }
   FileStatus move(const std::string& from, const std::string& to) override {
     return real_->move(real(from), real(to));
+  }
+  FileStatus replace(const std::string& from, const std::string& to) override {
+    return real_->replace(real(from), real(to));
   }
   FileStatus remove(const std::string& path) override { return real_->remove(real(path)); }
   FileStatus syncVolume(const std::string& path) override { return real_->syncVolume(real(path)); }

@@ -3,12 +3,13 @@
 
 #include "LongOperations.h"
 #include "MediaRun.h"
+#include "PodcastRun.h"
 
 namespace umsservice {
 
 class Operations final : public LongOperations {
  public:
-  explicit Operations(MediaTools& media) : media_(media) {}
+  Operations(MediaTools& media, PodcastTools& podcasts) : media_(media), podcasts_(podcasts) {}
 
   bool doDeleteMediaContents(const _serviceinfo& serviceInfo) override;
   bool doDeletePodcastContents(const _serviceinfo& serviceInfo) override;
@@ -22,6 +23,7 @@ class Operations final : public LongOperations {
 
  private:
   MediaTools& media_;
+  PodcastTools& podcasts_;
 };
 
 }  // namespace umsservice

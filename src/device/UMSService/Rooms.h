@@ -4,7 +4,10 @@
 /// at once, while the worker still finds everything that it leaves its loop by.
 #pragma once
 
+#include "DeviceScan.h"
+#include "DirectTransfer.h"
 #include "Dispatcher.h"
+#include "MediaListings.h"
 #include "Operations.h"
 #include "RequestEntry.h"
 #include "RequestQueue.h"
@@ -19,8 +22,12 @@ struct UMSService::Rooms {
   ServiceContext context;
   ServiceReports reports{context};
   FolderOperations folders{context};
+  DeviceScan scan{context};
+  DirectTransfer transfers{context, folders};
   MediaTools media{context, folders, reports};
-  Operations operations{media};
+  PodcastTools podcasts{media};
+  MediaListings listings{context, folders, media.files, podcasts.indexes};
+  Operations operations{media, podcasts};
   Dispatcher dispatcher{context, reports, operations};
   RequestQueue queue{context, reports};
   RequestEntry entry{context, queue};

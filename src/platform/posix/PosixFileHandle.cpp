@@ -23,7 +23,7 @@ uint64_t processFileSizeLimit() {
 }  // namespace
 
 PosixFileHandle::PosixFileHandle(int descriptor, std::string path)
-    : descriptor_(descriptor), path_(std::move(path)), sizeLimit_(processFileSizeLimit()) {}
+    : descriptor_(descriptor), path_(std::move(path)) {}
 
 PosixFileHandle::~PosixFileHandle() {
   if (descriptor_ >= 0) ::close(descriptor_);
@@ -36,10 +36,11 @@ FileResult<size_t> PosixFileHandle::read(void* buffer, size_t size) {
 }
 
 WriteOutcome PosixFileHandle::write(const void* buffer, size_t size) {
+  if (!sizeLimit_) sizeLimit_ = processFileSizeLimit();
   WriteOutcome outcome;
   while (outcome.written < size) {
     // Writing at the limit itself would raise SIGXFSZ in the host's process.
-    uint64_t room = sizeLimit_ - std::min(sizeLimit_, position_);
+    uint64_t room = *sizeLimit_ - std::min(*sizeLimit_, position_);
     size_t part = static_cast<size_t>(std::min<uint64_t>(size - outcome.written, room));
     if (part == 0) {
       outcome.error = failure(FileError::Action::Writing, EFBIG);
@@ -58,6 +59,8 @@ WriteOutcome PosixFileHandle::write(const void* buffer, size_t size) {
 }
 
 FileStatus PosixFileHandle::truncate(uint64_t size) {
+  if (!sizeLimit_) sizeLimit_ = processFileSizeLimit();
+  if (size > *sizeLimit_) return failure(FileError::Action::Writing, EFBIG);
   if (retried([&] { return ::ftruncate(descriptor_, static_cast<off_t>(size)); }) != 0) {
     return failure(FileError::Action::Writing, errno);
   }

@@ -24,7 +24,7 @@ class PosixFileHandle final : public FileHandle {
 
   int descriptor_;
   const std::string path_;
-  const uint64_t sizeLimit_;  ///< the process's limit on file sizes, in bytes
+  std::optional<uint64_t> sizeLimit_;  ///< the process's limit on file sizes, in bytes; asked when needed
   uint64_t position_ = 0;
 };
 

@@ -7,10 +7,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 
 #include "ExclusiveRename.h"
 #include "PosixFileHandle.h"
+#include "RemoveTree.h"
 #include "Retry.h"
 #include "umsservice/FileSystem.h"
 
@@ -60,17 +60,29 @@ struct CloseFolder {
   void operator()(DIR* folder) const { ::closedir(folder); }
 };
 
-/// Opens without ever waiting for a peer, and keeps the descriptor only when it is a regular file.
+/// Why an item of that type is not opened; 0 for a regular file.
+int refusalOf(const struct stat& status) {
+  if (S_ISREG(status.st_mode)) return 0;
+  if (S_ISLNK(status.st_mode)) return ELOOP;
+  return S_ISDIR(status.st_mode) ? EISDIR : EOPNOTSUPP;
+}
+
+constexpr int kCareful = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
+
+/// Opens what is there, without ever waiting for a peer, and keeps the descriptor only when it is a regular
+/// file.
 FileResult<std::unique_ptr<FileHandle>> openRegular(const std::string& path, int flags, Action action) {
   if (!isUsablePath(path)) return FileError{EINVAL, action, path};
-  int descriptor =
-      retried([&] { return ::open(path.c_str(), flags | O_CLOEXEC | O_NONBLOCK | O_NOCTTY, 0666); });
+  struct stat status {};
+  // Looks before it opens: opening is enough to make some devices act.
+  int follow = (flags & O_NOFOLLOW) != 0 ? AT_SYMLINK_NOFOLLOW : 0;
+  if (::fstatat(AT_FDCWD, path.c_str(), &status, follow) != 0) return FileError{errno, action, path};
+  if (refusalOf(status) != 0) return FileError{refusalOf(status), action, path};
+  int descriptor = retried([&] { return ::open(path.c_str(), flags | kCareful); });
   if (descriptor < 0) return FileError{errno, action, path};
   auto handle = std::make_unique<PosixFileHandle>(descriptor, path);
-  struct stat status {};
   if (::fstat(descriptor, &status) != 0) return FileError{errno, action, path};
-  if (S_ISDIR(status.st_mode)) return FileError{EISDIR, action, path};
-  if (!S_ISREG(status.st_mode)) return FileError{EOPNOTSUPP, action, path};
+  if (refusalOf(status) != 0) return FileError{refusalOf(status), action, path};
   return std::unique_ptr<FileHandle>(std::move(handle));
 }
 
@@ -127,7 +139,14 @@ class PosixFileSystem final : public FileSystem {
   }
 
   FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
-    return openRegular(path, O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW, Action::Writing);
+    if (!isUsablePath(path)) return FileError{EINVAL, Action::Writing, path};
+    // What this call itself makes is a regular file for certain; nothing more needs to be looked at.
+    constexpr int kNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | kCareful;
+    int descriptor = retried([&] { return ::open(path.c_str(), kNewFile, 0666); });
+    if (descriptor >= 0)
+      return std::unique_ptr<FileHandle>(std::make_unique<PosixFileHandle>(descriptor, path));
+    if (errno != EEXIST) return FileError{errno, Action::Writing, path};
+    return openRegular(path, O_WRONLY | O_TRUNC | O_NOFOLLOW, Action::Writing);
   }
 
   FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override {
@@ -141,16 +160,28 @@ class PosixFileSystem final : public FileSystem {
     return FileError{reason, Action::Writing, reason == EEXIST ? to : from};
   }
 
+  FileStatus replace(const std::string& from, const std::string& to) override {
+    if (!isUsablePath(from) || !isUsablePath(to)) return FileError{EINVAL, Action::Writing, to};
+    struct stat status {};
+    // The system would put a folder in the place of an empty one.
+    if (::lstat(from.c_str(), &status) == 0 && S_ISDIR(status.st_mode))
+      return FileError{EISDIR, Action::Writing, to};
+    if (::rename(from.c_str(), to.c_str()) != 0) return FileError{errno, Action::Writing, to};
+    syncFolderOf(to);
+    return Done{};
+  }
+
   FileStatus remove(const std::string& path) override {
-    auto found = linkAttributes(path);
-    if (!found) return FileError{found.error().systemNumber, Action::Writing, path};
-    std::error_code failure;
-    std::filesystem::remove_all(path, failure);
-    if (failure) return FileError{failure.value(), Action::Writing, path};
+    if (!isUsablePath(path)) return FileError{EINVAL, Action::Writing, path};
+    std::string item = path;
+    while (item.size() > 1 && item.ends_with('/')) item.pop_back();  // "link/" would lead into the folder
+    int reason = removeTree(item);
+    if (reason != 0) return FileError{reason, Action::Writing, path};
     return Done{};
   }
 
   FileStatus syncVolume(const std::string& path) override {
+    if (!isUsablePath(path)) return FileError{EINVAL, Action::Writing, path};
     int descriptor = retried([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); });
     if (descriptor < 0) return FileError{errno, Action::Writing, path};
 #if defined(__linux__)
@@ -167,6 +198,16 @@ class PosixFileSystem final : public FileSystem {
   }
 
  private:
+  /// As far as the file system can: some cannot sync a folder by itself, and the rename has happened anyway.
+  static void syncFolderOf(const std::string& path) {
+    std::string folder = path.substr(0, path.rfind('/') + 1);
+    int descriptor = retried(
+        [&] { return ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    if (descriptor < 0) return;
+    retried([&] { return ::fsync(descriptor); });
+    ::close(descriptor);
+  }
+
   template <typename Call>
   static FileResult<FileAttributes> status(const std::string& path, Call call) {
     if (!isUsablePath(path)) return FileError{EINVAL, Action::Reading, path};

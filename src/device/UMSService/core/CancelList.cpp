@@ -35,18 +35,28 @@ bool CancelList::isCancelServiceId(uint32_t serviceID) const {
   return position.index.has_value();
 }
 
-bool CancelList::removeCancelServiceId(uint32_t serviceID) {
-  Position position;
-  {
-    MutexLock lock(mutex_);
-    position = positionOf(serviceID);
-    if (position.index) {
-      cancelServiceId_.erase(cancelServiceId_.begin() + static_cast<std::ptrdiff_t>(*position.index));
-      count_.store(cancelServiceId_.size(), std::memory_order_release);
-    }
+CancelList::Position CancelList::removeFirst(uint32_t serviceID) {
+  MutexLock lock(mutex_);
+  Position position = positionOf(serviceID);
+  if (position.index) {
+    cancelServiceId_.erase(cancelServiceId_.begin() + static_cast<std::ptrdiff_t>(*position.index));
+    count_.store(cancelServiceId_.size(), std::memory_order_release);
   }
-  logPassedOver(position.passedOver, "-[UMSService removeCancelServiceId:]");
+  return position;
+}
+
+bool CancelList::removeCancelServiceId(uint32_t serviceID) {
+  Position position = removeFirst(serviceID);
+  logRemovalPassedOver(position.passedOver);
   return position.index.has_value();
+}
+
+size_t CancelList::takeOut(uint32_t serviceID) {
+  return removeFirst(serviceID).passedOver;
+}
+
+void CancelList::logRemovalPassedOver(size_t entries) const {
+  logPassedOver(entries, "-[UMSService removeCancelServiceId:]");
 }
 
 std::optional<CancelList::Entry> CancelList::entryAt(size_t index) const {

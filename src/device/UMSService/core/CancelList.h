@@ -1,7 +1,7 @@
 /// The service IDs that the host has asked to cancel and that nothing has answered yet.
 ///
 /// Written by the host's threads, asked by the worker after every 4096 bytes; safe from any thread. Asking an
-/// empty list takes no lock, and no line is logged while the lock is held.
+/// empty list takes no lock, and no line is logged while the lock is held. Owned by the service's context.
 #pragma once
 
 #include <atomic>
@@ -25,6 +25,10 @@ class CancelList {
   bool isCancelServiceId(uint32_t serviceID) const;
   /// Removes the first entry of that ID; true when there was one.
   bool removeCancelServiceId(uint32_t serviceID);
+  /// The same without log lines, for a caller with a lock in hand: how many entries without a number were
+  /// passed over, to be handed to `logRemovalPassedOver` once the lock is given back.
+  size_t takeOut(uint32_t serviceID);
+  void logRemovalPassedOver(size_t entries) const;
   /// The entry at a 0-based index; nothing past the present end.
   std::optional<Entry> entryAt(size_t index) const;
   size_t count() const { return count_.load(std::memory_order_acquire); }
@@ -37,6 +41,7 @@ class CancelList {
   };
 
   Position positionOf(uint32_t serviceID) const REQUIRES(mutex_);
+  Position removeFirst(uint32_t serviceID);
   void logPassedOver(size_t entries, const char* method) const;
 
   const Log& log_;

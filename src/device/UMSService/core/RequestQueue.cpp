@@ -95,8 +95,10 @@ bool RequestQueue::takeMatching(uint32_t serviceID, std::vector<Record>& removed
   size_t before = removed.size();
   std::deque<Record> kept;
   for (Record& record : serviceItem_) {
-    (record->serviceID == serviceID ? removed.emplace_back(), removed.back() : kept.emplace_back()) =
-        std::move(record);
+    if (record->serviceID == serviceID)
+      removed.push_back(std::move(record));
+    else
+      kept.push_back(std::move(record));
   }
   serviceItem_.swap(kept);
   queueLock_.unlock();
@@ -126,8 +128,10 @@ std::vector<RequestQueue::Cancelled> RequestQueue::takeCancelled() {
     auto entry = context_.cancelList.entryAt(i);
     if (!entry) break;
     Cancelled found{*entry, {}};
-    if (found.serviceID && !takeMatching(*found.serviceID, found.records)) continue;
-    if (found.serviceID) context_.cancelList.removeCancelServiceId(*found.serviceID);
+    if (found.serviceID) {
+      if (!takeMatching(*found.serviceID, found.records)) continue;
+      found.passedOver = context_.cancelList.takeOut(*found.serviceID);
+    }
     cancelled.push_back(std::move(found));
   }
   return cancelled;
@@ -141,6 +145,7 @@ void RequestQueue::emptyQueue() {
       continue;
     }
     announceCancelled(request.records);
+    context_.cancelList.logRemovalPassedOver(request.passedOver);
     context_.log.write(7, kMethod, "Cancel Service ID : 0x%08x", *request.serviceID);
   }
 }
@@ -150,24 +155,20 @@ void RequestQueue::cancelFileAction(uint32_t serviceID) {
   emptyQueue();
 }
 
-void RequestQueue::lockQueueWithoutBlocking() {
-  while (!queueLock_.tryLock()) std::this_thread::yield();
-}
-
 bool RequestQueue::exitServiceThread() {
-  lockQueueWithoutBlocking();
-  context_.releaseState = 1;
-  queueLock_.unlock();
+  {
+    MutexLock lock(queueLock_);  // nobody holds it for longer than a walk over the queue
+    context_.releaseState = 1;
+  }
   signal();
   return true;
 }
 
 void RequestQueue::releaseAndDropAll() {
   std::deque<Record> dropped;  // freed after the lock is given back: contents may belong to the host
-  lockQueueWithoutBlocking();
+  MutexLock lock(queueLock_);
   context_.releaseState = 1;
   dropped.swap(serviceItem_);
-  queueLock_.unlock();
 }
 
 }  // namespace umsservice

@@ -49,6 +49,7 @@ class RequestQueue {
   struct Cancelled {
     CancelList::Entry serviceID;
     std::vector<Record> records;
+    size_t passedOver = 0;  ///< entries that are no numbers, met while the ID was taken out of the list
   };
 
   std::vector<Cancelled> takeCancelled();
@@ -59,7 +60,6 @@ class RequestQueue {
   uint64_t signalsSoFar();
   void waitForSignalAfter(uint64_t seen);
   void runGuarded(const std::function<void(_serviceinfo&)>& run, _serviceinfo& request);
-  void lockQueueWithoutBlocking() ACQUIRE(queueLock_);
 
   ServiceContext& context_;
   RequestReports& reports_;

@@ -11,10 +11,17 @@
 namespace umsservice {
 namespace {
 
+constexpr auto kListerMethod = "-[UMSService fileLists:fileName:enumChild:contents:]";
+
+/// Listed paths have no separator at their end, so the last component needs no copy.
+std::string_view lastComponentOf(std::string_view listedPath) {
+  return listedPath.substr(listedPath.rfind('/') + 1);
+}
+
 std::vector<std::string> markersIn(const std::vector<std::string>& entries) {
   std::vector<std::string> markers;
   for (const std::string& entry : entries) {
-    if (isNoMediaMarker(lastPathComponent(entry))) markers.push_back(entry);
+    if (isNoMediaMarker(lastComponentOf(entry))) markers.push_back(entry);
   }
   return markers;
 }
@@ -38,64 +45,85 @@ FileType FolderOperations::typeOf(const std::string& path, FileType listedType) 
   return found ? found->type : FileType::Unknown;
 }
 
-std::vector<std::string> FolderOperations::subpathsAtPath(const std::string& folder) const {
-  std::vector<std::string> subpaths;
+std::optional<std::vector<ListedPath>> FolderOperations::entriesAtPath(const std::string& folder) const {
+  auto entries = files_.list(folder);
+  if (!entries) return std::nullopt;
+  std::vector<ListedPath> listed;
+  listed.reserve(entries->size());
+  for (DirectoryEntry& entry : *entries) listed.push_back({std::move(entry.name), entry.type});
+  return listed;
+}
+
+std::optional<std::vector<ListedPath>> FolderOperations::subpathsAtPath(const std::string& folder) const {
   struct Level {
     std::string prefix;  ///< of the entries, relative to the listed folder
-    std::vector<DirectoryEntry> entries;
+    std::vector<ListedPath> entries;
     size_t next = 0;
   };
+  auto top = entriesAtPath(folder);
+  if (!top) return std::nullopt;
+  std::vector<ListedPath> subpaths;
   std::vector<Level> levels;
-  auto enter = [&](const std::string& path, std::string prefix) {
-    auto entries = files_.list(path);
-    if (entries) levels.push_back({std::move(prefix), std::move(*entries), 0});
-  };
-  enter(folder, "");
+  levels.push_back({"", std::move(*top)});
   while (!levels.empty()) {
     Level& level = levels.back();
     if (level.next == level.entries.size()) {
       levels.pop_back();
       continue;
     }
-    const DirectoryEntry& entry = level.entries[level.next++];
-    subpaths.push_back(level.prefix + entry.name);
-    std::string path = joinedPath(folder, subpaths.back());
-    if (typeOf(path, entry.type) == FileType::Directory) enter(path, subpaths.back() + "/");
+    ListedPath& entry = level.entries[level.next++];
+    std::string path = level.prefix + entry.path;
+    const FileType type = typeOf(joinedPath(folder, path), entry.type);
+    subpaths.push_back({path, type});
+    if (type != FileType::Directory) continue;
+    auto below = entriesAtPath(joinedPath(folder, path));
+    if (below) levels.push_back({path + "/", std::move(*below)});
   }
   return subpaths;
 }
 
-bool FolderOperations::listShallow(const std::string& folder, std::vector<std::string>& entries) const {
-  auto listed = files_.list(folder);
-  if (!listed) {
-    context_.log.write(3, "-[UMSService fileLists:fileName:enumChild:contents:]",
-                       "fileLists Failed. error = %@", listed.error());
-    return false;
+std::vector<std::string> FolderOperations::deepNames(const std::string& folder) const {
+  std::vector<std::string> names;
+  auto subpaths = subpathsAtPath(folder);
+  if (!subpaths) return names;  // a folder that cannot be walked counts as empty here
+  names.reserve(subpaths->size());
+  for (ListedPath& subpath : *subpaths) names.push_back(std::move(subpath.path));
+  return names;
+}
+
+std::optional<std::vector<std::string>> FolderOperations::shallowNames(const std::string& folder) const {
+  auto entries = files_.list(folder);
+  if (!entries) {
+    context_.log.write(3, kListerMethod, "fileLists Failed. error = %@", entries.error());
+    return std::nullopt;
   }
-  for (DirectoryEntry& entry : *listed) entries.push_back(std::move(entry.name));
-  return true;
+  std::vector<std::string> names;
+  names.reserve(entries->size());
+  for (DirectoryEntry& entry : *entries) names.push_back(std::move(entry.name));
+  return names;
+}
+
+std::optional<std::vector<std::string>> FolderOperations::listed(const MaybeString& folder,
+                                                                 bool enumChild) const {
+  if (!folder) {
+    context_.log.write(3, kListerMethod, "Input parameters is invalid. FolderNameString = %@", folder);
+    return std::nullopt;
+  }
+  auto entries = enumChild ? std::optional(deepNames(*folder)) : shallowNames(*folder);
+  if (!entries) return std::nullopt;
+  std::vector<std::string> markers = markersIn(*entries);
+  if (!markers.empty()) {
+    NoMediaFolders hidden(markers);
+    std::erase_if(*entries, [&](const std::string& entry) { return hidden.hides(entry); });
+  }
+  return entries;
 }
 
 bool FolderOperations::fileLists(uint32_t, const MaybeString& fileName, bool enumChild,
                                  MaybeArray& contents) const {
-  if (!fileName) {
-    context_.log.write(3, "-[UMSService fileLists:fileName:enumChild:contents:]",
-                       "Input parameters is invalid. FolderNameString = %@", fileName);
-    return false;
-  }
-  std::vector<std::string> entries;
-  if (enumChild) {
-    entries = subpathsAtPath(*fileName);
-  } else if (!listShallow(*fileName, entries)) {
-    return false;
-  }
-  std::vector<std::string> markers = markersIn(entries);
-  if (!markers.empty()) {
-    NoMediaFolders hidden(markers);
-    std::erase_if(entries, [&](const std::string& entry) { return hidden.hides(entry); });
-  }
-  contents = arrayOf(std::move(entries));
-  return true;
+  auto entries = listed(fileName, enumChild);
+  if (entries) contents = arrayOf(std::move(*entries));
+  return entries.has_value();
 }
 
 MaybeArray FolderOperations::directChildren(const MaybeString& folder, bool folders,
@@ -222,11 +250,12 @@ bool FolderOperations::deleteFolder(const MaybeString& path) const {
   return false;
 }
 
-bool FolderOperations::createFolder(const MaybeString& path) const {
+bool FolderOperations::createFolder(const MaybeString& path, std::string* words) const {
   if (!path) return false;
   if (files_.isFolder(*path)) return true;
   FileStatus made = files_.createFolders(*path);
   if (made) return true;
+  if (words) *words = made.error().words();
   context_.log.write(1, "-[UMSService createFolder:]", "Create download folder is filed. Error = %@",
                      made.error());
   return false;

@@ -8,6 +8,13 @@
 
 namespace umsservice {
 
+/// An entry of a deep listing: its path relative to the listed folder. A link is a link, whatever it leads
+/// to.
+struct ListedPath {
+  std::string path;
+  FileType type = FileType::Unknown;
+};
+
 class FolderOperations {
  public:
   explicit FolderOperations(const ServiceContext& context) : context_(context), files_(context.files()) {}
@@ -15,6 +22,12 @@ class FolderOperations {
   /// Lists a folder, deeply (paths relative to it, every depth) or not, without what lies under ".nomedia"
   /// folders; folders are entries too. The first argument is not used.
   bool fileLists(uint32_t unused, const MaybeString& fileName, bool enumChild, MaybeArray& contents) const;
+  /// The same as plain text; nothing when the folder cannot be listed.
+  std::optional<std::vector<std::string>> listed(const MaybeString& folder, bool enumChild) const;
+  /// Everything below a folder, depth first, without any rule; nothing when the folder cannot be listed.
+  std::optional<std::vector<ListedPath>> subpathsAtPath(const std::string& folder) const;
+  /// The direct entries of a folder, without any rule.
+  std::optional<std::vector<ListedPath>> entriesAtPath(const std::string& folder) const;
   /// Names of the direct sub-folders that are not hidden; nil when the folder cannot be listed.
   MaybeArray folderLists(const MaybeString& folder) const;
   /// Names of the direct files that are not hidden; nil when the folder cannot be listed.
@@ -30,12 +43,13 @@ class FolderOperations {
   bool deletefileAtDevice(const MaybeString& path, uint32_t* error) const;
   bool deleteFolder(const MaybeString& path) const;
   /// Makes a folder with all folders above it; an existing one is success, a file of that name is not.
-  bool createFolder(const MaybeString& path) const;
+  /// `words`, where given, receives the system's own words for a failure.
+  bool createFolder(const MaybeString& path, std::string* words = nullptr) const;
 
  private:
   MaybeArray directChildren(const MaybeString& folder, bool folders, const char* method) const;
-  std::vector<std::string> subpathsAtPath(const std::string& folder) const;
-  bool listShallow(const std::string& folder, std::vector<std::string>& entries) const;
+  std::optional<std::vector<std::string>> shallowNames(const std::string& folder) const;
+  std::vector<std::string> deepNames(const std::string& folder) const;
   FileType typeOf(const std::string& path, FileType listedType) const;
 
   const ServiceContext& context_;

@@ -25,9 +25,7 @@ class MediaCopy {
   Next copyItem(MediaRun& run, MediaItem item);
   std::optional<Next> resolveTarget(MediaRun& run, MediaItem& item);
   std::optional<Next> chooseFolder(MediaRun& run, MediaItem& item);
-  std::optional<Next> settleConflict(MediaRun& run, const MediaItem& item, FileOutcome& outcome);
   Next conclude(MediaRun& run, const MediaItem& item, const FileOutcome& outcome);
-  FileOutcome copyFile(MediaRun& run, const MediaItem& item);
 
   MediaTools& tools_;
   const ServiceContext& context_;
@@ -36,7 +34,6 @@ class MediaCopy {
   const char* const method_;
   MaybeString volumePath_;  ///< of the target volume
   OverwriteConversation conversation_;
-  bool lastResult_;
 };
 
 }  // namespace umsservice

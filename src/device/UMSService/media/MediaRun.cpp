@@ -1,9 +1,26 @@
 #include "MediaRun.h"
 
+#include "TargetPath.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
 
 namespace umsservice {
+
+void notifySkipped(MediaTools& tools, OVUmsDeviceNotifier& notifier, uint64_t size) {
+  notifier.setTransferResult(kErrorFileExists);
+  tools.reports.transferProgressInfoEx(&notifier, size, size);
+  notifier.incCurrentTransferFileCount();
+}
+
+void attachMediaInfo(const MediaTools& tools, OVUmsDeviceNotifier& notifier, const std::string& path,
+                     const MaybeString& shownPath) {
+  const auto& factory = tools.context.environment.mediaInfoFactory;
+  auto builder = factory ? factory->getBuilder(path) : nullptr;
+  MaybeDictionary mediaInfo = builder ? builder->build(path) : std::nullopt;
+  if (!mediaInfo) return;
+  if (shownPath) mediaInfo->set(key::kFilePath, *shownPath);
+  notifier.setMediaInfo(mediaInfo);
+}
 
 MediaRun::MediaRun(MediaTools& tools, const _serviceinfo& request, const char* method,
                    const MaybeString& srcLocationID, const MaybeString& destLocationID,
@@ -34,6 +51,55 @@ void MediaRun::begin() {
   notifier_.setMediaInfo(std::nullopt);
 }
 
+std::optional<MediaRun::Next> MediaRun::refuseIncomplete(const MediaItem& item, uint32_t errorNumber) {
+  if (!item.content) {
+    context_.log.write(1, method_, "Contents data is nil. Next data search");
+    return refused(item, errorNumber);
+  }
+  if (item.filePath && item.fileName) return std::nullopt;
+  context_.log.write(1, method_, "Get contents information is failed. filePath = %@, name = %@",
+                     item.filePath, item.fileName);
+  return refused(item, errorNumber);
+}
+
+std::optional<MediaRun::Next> MediaRun::formTarget(MediaItem& item, uint32_t errorNumber) {
+  item.destPath = targetPath(item.destFolder, *item.fileName);
+  if (!item.destPath) {
+    context_.log.write(1, method_, "Consist of Target Path Name is failed");
+    return refused(item, errorNumber);
+  }
+  notifier_.setFilePath(item.destPath);
+  return std::nullopt;
+}
+
+FileOutcome MediaRun::copyFile(const MediaItem& item) {
+  FileOutcome outcome = tools_.files.copy(request_.serviceID, item.filePath, item.destPath, &notifier_);
+  lastResult_ = outcome.result;
+  return outcome;
+}
+
+std::optional<MediaRun::Next> MediaRun::replaceExisting(const MediaItem& item, FileOutcome& outcome) {
+  outcome = tools_.files.removeInFavourOf(*item.filePath, *item.destPath);
+  lastResult_ = outcome.result;
+  if (!outcome.result) return std::nullopt;
+  if (endsForRelease(item)) return Next::EndRun;
+  outcome = copyFile(item);
+  if (isStopCode(outcome.errorNumber.value_or(0))) return stopped(item, outcome);
+  return std::nullopt;
+}
+
+std::optional<MediaRun::Next> MediaRun::settleConflict(const MediaItem& item,
+                                                       OverwriteConversation& conversation,
+                                                       FileOutcome& outcome) {
+  auto delegate = context_.identity.confirmDelegate();
+  if (!delegate || !tools_.files.isReplaceable(item.destPath)) return std::nullopt;
+  const uint64_t size = tools_.files.mediaFileSize(item.filePath);
+  if (tools_.files.isSameFile(item.filePath, item.destPath) ||
+      !conversation.replaces(*delegate, *item.filePath))
+    return skipped(item, size);
+  return replaceExisting(item, outcome);
+}
+
 bool MediaRun::endsForCancel(const MediaItem& item) {
   if (!cancelList_.isCancelServiceId(request_.serviceID)) return false;
   notifier_.cancelFileTransfer();
@@ -46,7 +112,8 @@ bool MediaRun::endsForRelease(const MediaItem& item) {
   if (!context_.isReleased()) return false;
   context_.log.write(5, method_, "Device Disconnected - %@", context_.identity.currentLocationID());
   notifier_.cancelFileTransfer();
-  tellRestNotReached(item.index, kErrorStopped);
+  tell(item, ItemOutcome::Kind::NotReached, kErrorStopped);
+  tellRestNotReached(item.index + 1, kErrorStopped);
   return true;
 }
 
@@ -75,16 +142,13 @@ MediaRun::Next MediaRun::failed(const MediaItem& item, const FileOutcome& outcom
   return Next::GoOn;
 }
 
-MediaRun::Next MediaRun::refused(const MediaItem& item, uint32_t errorNumber) {
+MediaRun::Next MediaRun::refused(const MediaItem& item, uint32_t errorNumber, const std::string& reason) {
   notifier_.setTransferResult(errorNumber);
-  return failed(item, FileOutcome{.errorNumber = errorNumber});
+  return failed(item, FileOutcome{.errorNumber = errorNumber, .reason = reason});
 }
 
-MediaRun::Next MediaRun::skipped(const MediaItem& item) {
-  uint64_t size = tools_.files.mediaFileSize(item.filePath);
-  notifier_.setTransferResult(kErrorFileExists);
-  tools_.reports.transferProgressInfoEx(&notifier_, size, size);
-  notifier_.incCurrentTransferFileCount();
+MediaRun::Next MediaRun::skipped(const MediaItem& item, uint64_t size) {
+  notifySkipped(tools_, notifier_, size);
   tell(item, ItemOutcome::Kind::Skipped, kErrorFileExists);
   return Next::GoOn;
 }
@@ -95,27 +159,19 @@ MediaRun::Next MediaRun::done(const MediaItem& item, const FileOutcome& outcome)
   return Next::GoOn;
 }
 
-void MediaRun::allFailed(uint32_t errorNumber) {
+void MediaRun::allFailed(uint32_t errorNumber, const std::string& reason) {
   notifier_.addFailTransferFileCount(static_cast<uint32_t>(count()));
-  for (size_t i = 0; i < count(); ++i) tell(item(i), ItemOutcome::Kind::Failed, errorNumber);
+  tellAll(ItemOutcome::Kind::Failed, errorNumber, reason);
 }
 
-bool MediaRun::isReplaceable(const MediaItem& item) const {
-  auto existing = context_.files().linkAttributes(*item.destPath);
-  return !existing || existing->type != FileType::Directory;
+void MediaRun::tellAll(ItemOutcome::Kind kind, uint32_t errorNumber, const std::string& reason) {
+  for (size_t i = 0; i < count(); ++i) tell(item(i), kind, errorNumber, 0, reason);
 }
 
-bool MediaRun::isSameFile(const MediaItem& item) const {
-  auto source = context_.files().attributes(*item.filePath);
-  auto existing = context_.files().attributes(*item.destPath);
-  return source && existing && source->device == existing->device && source->inode == existing->inode;
-}
-
-void MediaRun::attachMediaInfo(const std::string& path) {
-  const auto& factory = context_.environment.mediaInfoFactory;
-  auto builder = factory ? factory->getBuilder(path) : nullptr;
-  MaybeDictionary mediaInfo = builder ? builder->build(path) : std::nullopt;
-  if (mediaInfo) notifier_.setMediaInfo(mediaInfo);
+uint64_t MediaRun::observedSize(const std::string& path) const {
+  if (!context_.environment.itemObserver) return 0;
+  auto found = context_.files().linkAttributes(path);
+  return found && found->type == FileType::Regular ? found->size : 0;
 }
 
 void MediaRun::tell(const MediaItem& item, ItemOutcome::Kind kind, uint32_t errorNumber, uint64_t bytes,

@@ -24,14 +24,23 @@ struct MediaTools {
   SubtitleCompanion companions{context};
 };
 
+/// What the host hears of a file whose destination stays as it is: a full step of progress over the source's
+/// size, and done.
+void notifySkipped(MediaTools& tools, OVUmsDeviceNotifier& notifier, uint64_t size);
+
+/// Hands the tags of a file to a notifier, when the host's reader knows it. `shownPath`, where given, takes
+/// the place of the path in them.
+void attachMediaInfo(const MediaTools& tools, OVUmsDeviceNotifier& notifier, const std::string& path,
+                     const MaybeString& shownPath = std::nullopt);
+
 /// One item of the list while it is in hand.
 struct MediaItem {
   size_t index = 0;
   MaybeDictionary content;
   MaybeString filePath;
   MaybeString fileName;
-  MaybeString destFolder;
-  MaybeString destPath;
+  MaybeString destFolder;  ///< full path
+  MaybeString destPath;    ///< folder and name joined
 };
 
 class MediaRun {
@@ -52,6 +61,24 @@ class MediaRun {
   /// Takes the next item in hand: no result carries the tags of the item before it.
   void begin();
 
+  /// Counts an item without a dictionary, path or name as failed; nothing for a complete one.
+  std::optional<Next> refuseIncomplete(const MediaItem& item, uint32_t errorNumber);
+  /// Joins folder and name to the item's destination, or counts the item as failed.
+  std::optional<Next> formTarget(MediaItem& item, uint32_t errorNumber);
+
+  /// Copies the item to its destination.
+  FileOutcome copyFile(const MediaItem& item);
+  /// Deletes what is at the item's destination (see `SingleFile::removeInFavourOf`) and copies once more. The
+  /// outcome is the delete's when that failed; `Next` when the run has to end in between.
+  std::optional<Next> replaceExisting(const MediaItem& item, FileOutcome& outcome);
+  /// The destination exists: asks, then replaces it or counts the item as skipped. Without a delegate, and
+  /// where nothing may be replaced, the conflict stays the outcome.
+  std::optional<Next> settleConflict(const MediaItem& item, OverwriteConversation& conversation,
+                                     FileOutcome& outcome);
+  /// The result of the last file step; what an operation answers.
+  bool lastResult() const { return lastResult_; }
+  void setLastResult(bool result) { lastResult_ = result; }
+
   /// Looks at the cancel list. True ends the run: the cancellation is posted and answered.
   bool endsForCancel(const MediaItem& item);
   /// Looks at the release flag. True ends the run, with a line about the device.
@@ -63,25 +90,26 @@ class MediaRun {
   /// Counts an item that failed.
   Next failed(const MediaItem& item, const FileOutcome& outcome);
   /// Counts an item that failed before any file step, with its result.
-  Next refused(const MediaItem& item, uint32_t errorNumber);
-  /// Counts an item whose destination stays as it is: done, not failed.
-  Next skipped(const MediaItem& item);
+  Next refused(const MediaItem& item, uint32_t errorNumber, const std::string& reason = {});
+  /// Counts an item whose destination stays as it is: done, not failed. `size` is the source's.
+  Next skipped(const MediaItem& item, uint64_t size);
   /// Counts an item that is on the volume.
   Next done(const MediaItem& item, const FileOutcome& outcome);
   /// Counts the whole list as failed before the first item.
-  void allFailed(uint32_t errorNumber);
+  void allFailed(uint32_t errorNumber, const std::string& reason = {});
+  /// Tells the item observer the same of every item.
+  void tellAll(ItemOutcome::Kind kind, uint32_t errorNumber, const std::string& reason = {});
+  /// Bytes of a regular file, for the observer's sake only: 0 when nobody listens.
+  uint64_t observedSize(const std::string& path) const;
 
-  /// Whether a conflict is one that a question may be about. A folder is never given up for a file, and a
-  /// file is never deleted in order to be replaced by itself.
-  bool isReplaceable(const MediaItem& item) const;
-  /// Whether source and destination are one and the same file.
-  bool isSameFile(const MediaItem& item) const;
-  /// Hands the tags of a file to the notifier, when the host's reader knows it.
-  void attachMediaInfo(const std::string& path);
-
- private:
+  void attachMediaInfo(const std::string& path, const MaybeString& shownPath = std::nullopt) {
+    umsservice::attachMediaInfo(tools_, notifier_, path, shownPath);
+  }
+  /// Tells the item observer how an item ended.
   void tell(const MediaItem& item, ItemOutcome::Kind kind, uint32_t errorNumber, uint64_t bytes = 0,
             const std::string& reason = {});
+
+ private:
   void tellRestNotReached(size_t from, uint32_t errorNumber);
 
   MediaTools& tools_;
@@ -91,6 +119,7 @@ class MediaRun {
   const char* const method_;
   const std::vector<Value> contents_;
   OVUmsDeviceNotifier notifier_;
+  bool lastResult_ = false;
 };
 
 }  // namespace umsservice

@@ -6,6 +6,11 @@
 
 namespace umsservice {
 
+/// Hosts mark unattended syncs by their number: those replace existing files without a question.
+inline bool replacesUnasked(uint32_t serviceID) {
+  return (serviceID & 0xffff0000u) == 0x00100000u;
+}
+
 class OverwriteConversation {
  public:
   /// Whether the existing file is to be replaced. Once the delegate has returned NO, every later conflict is

@@ -7,6 +7,12 @@
 #include "umsservice/Notifications.h"
 
 namespace umsservice {
+namespace {
+
+constexpr auto kHandleMessage =
+    "Open file Handle failed! source file handle = %@, destination file handle = %@";
+
+}  // namespace
 
 struct SingleFile::Pair {
   std::unique_ptr<FileHandle> source;
@@ -93,23 +99,34 @@ std::optional<FileOutcome> SingleFile::refusal(const Manner& manner, const std::
 std::optional<FileOutcome> SingleFile::openBoth(const Manner& manner, const std::string& srcPath,
                                                 const std::string& destPath, Pair& pair) const {
   std::string folder = stringByDeletingLastPathComponent(destPath);
-  if (manner.makesFolder && (folder.empty() || !folders_.createFolder(folder))) {
-    return FileOutcome{.errorNumber = kErrorCreateFolderFailed};
+  std::string words;
+  if (manner.makesFolder && (folder.empty() || !folders_.createFolder(folder, &words))) {
+    return FileOutcome{.errorNumber = kErrorCreateFolderFailed, .reason = words};
   }
-  auto destination = files_.createFile(destPath);
+  auto existing = whyNotNew(destPath);
+  auto destination = existing ? *existing : files_.createFile(destPath);
   if (!destination) {
     context_.log.write(3, manner.method, "createFileAtPath Fail!");
     return FileOutcome{.reason = destination.error().words()};
   }
   auto source = files_.openForReading(srcPath);
   if (!source) {
-    context_.log.write(3, manner.method,
-                       "Open file Handle failed! source file handle = %@, destination file handle = %@",
-                       nullptr, static_cast<const void*>(destination->get()));
+    context_.log.write(3, manner.method, kHandleMessage, nullptr,
+                       static_cast<const void*>(destination->get()));
     return FileOutcome{.errorNumber = kErrorOpenFailed, .reason = source.error().words()};
   }
   pair = {std::move(*source), std::move(*destination)};
   return std::nullopt;
+}
+
+/// A failing device can hide a file for a moment, and making a file empties what is there: it must be known
+/// that nothing is.
+std::optional<FileError> SingleFile::whyNotNew(const std::string& path) const {
+  auto existing = files_.linkAttributes(path);
+  if (existing) return FileError{EEXIST, FileError::Action::Writing, path};
+  int reason = existing.error().systemNumber;
+  if (reason == ENOENT) return std::nullopt;
+  return FileError{reason, FileError::Action::Writing, path};
 }
 
 FileOutcome SingleFile::copyBytes(const Manner& manner, uint32_t serviceID, Pair& pair, uint64_t size,
@@ -155,7 +172,11 @@ FileOutcome SingleFile::exception(const Manner& manner, const FileError& error, 
 }
 
 FileOutcome SingleFile::removeSource(const std::string& srcPath, FileOutcome copied) const {
-  FileStatus removed = files_.remove(srcPath);
+  auto source = files_.attributes(srcPath);
+  // A source that has grown while it was copied has bytes that are nowhere else.
+  bool isWhole = source && source->size == copied.bytes;
+  FileStatus removed =
+      isWhole ? files_.remove(srcPath) : FileStatus(FileError{EBUSY, FileError::Action::Writing, srcPath});
   if (removed) return copied;
   context_.log.write(3, kMoving.method, "removeIemAtPath Fail!");
   copied.result = false;
@@ -170,6 +191,38 @@ FileOutcome SingleFile::remove(const MaybeString& path) const {
   context_.log.write(3, "-[UMSService umsDeleteFile:srcPath:error:]", "Delete file is Failed. error = %@",
                      removed.error());
   return {.errorNumber = kErrorDeleteFailed, .reason = removed.error().words()};
+}
+
+FileOutcome SingleFile::removeInFavourOf(const std::string& srcPath, const std::string& destPath) const {
+  auto source = files_.attributes(srcPath);
+  if (!source) {
+    context_.log.write(3, kCopying.method, "Get Attributes Error : [%@]", source.error());
+    return {.errorNumber = kErrorAttributesUnreadable, .reason = source.error().words()};
+  }
+  auto existing = files_.attributes(destPath);
+  if (!existing) return {.errorNumber = kErrorDeleteFailed, .reason = existing.error().words()};
+  if (source->device == existing->device && source->inode == existing->inode) {
+    return {.errorNumber = kErrorFileExists};
+  }
+  auto opened = files_.openForReading(srcPath);
+  if (!opened) {
+    context_.log.write(3, kCopying.method, kHandleMessage, nullptr, nullptr);
+    return {.errorNumber = kErrorOpenFailed, .reason = opened.error().words()};
+  }
+  return remove(destPath);
+}
+
+bool SingleFile::isReplaceable(const MaybeString& destPath) const {
+  if (!destPath) return false;
+  auto existing = files_.linkAttributes(*destPath);
+  return existing && existing->type != FileType::Directory;
+}
+
+bool SingleFile::isSameFile(const MaybeString& srcPath, const MaybeString& destPath) const {
+  if (!srcPath || !destPath) return false;
+  auto source = files_.attributes(*srcPath);
+  auto existing = files_.attributes(*destPath);
+  return source && existing && source->device == existing->device && source->inode == existing->inode;
 }
 
 uint64_t SingleFile::mediaFileSize(const MaybeString& path) const {

@@ -33,6 +33,15 @@ class SingleFile {
                    OVUmsDeviceNotifier* notifier) const;
   /// Removes an item, a folder with everything in it.
   FileOutcome remove(const MaybeString& path) const;
+  /// Removes what stands where a source is to be copied to. Nothing is given up for a source that cannot be
+  /// read, or for itself: then the number and the words are those that the copy would have ended with.
+  FileOutcome removeInFavourOf(const std::string& srcPath, const std::string& destPath) const;
+
+  /// Whether what stands at a destination may be deleted for a file: a folder, or what cannot be told from
+  /// one, never is.
+  bool isReplaceable(const MaybeString& destPath) const;
+  /// Whether two paths lead to one and the same file: it is never deleted to be replaced by itself.
+  bool isSameFile(const MaybeString& srcPath, const MaybeString& destPath) const;
 
   /// Size in bytes; 0 when it cannot be read.
   uint64_t mediaFileSize(const MaybeString& path) const;
@@ -55,6 +64,7 @@ class SingleFile {
   FileOutcome copyBytes(const Manner& manner, uint32_t serviceID, Pair& pair, uint64_t size,
                         OVUmsDeviceNotifier& notifier) const;
   FileOutcome exception(const Manner& manner, const FileError& error, uint64_t bytes) const;
+  std::optional<FileError> whyNotNew(const std::string& path) const;
   FileOutcome removeSource(const std::string& srcPath, FileOutcome copied) const;
 
   const ServiceContext& context_;

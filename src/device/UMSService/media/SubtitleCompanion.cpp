@@ -54,8 +54,7 @@ bool SubtitleCompanion::sendSmiFile(const MaybeString& srcVideoPath, const Maybe
     return false;
   }
   if (isAlreadyThere(*destSmiPath, source->size)) return true;
-  return hasRoomAndFolder(*destSmiPath, source->size) &&
-         copyCompanion(*srcSmiPath, *destSmiPath, source->size);
+  return hasRoomAndFolder(*destSmiPath, source->size) && copyCompanion(*srcSmiPath, *destSmiPath, *source);
 }
 
 bool SubtitleCompanion::isAlreadyThere(const std::string& destSmiPath, uint64_t size) const {
@@ -91,13 +90,16 @@ bool SubtitleCompanion::hasRoomAndFolder(const std::string& destSmiPath, uint64_
 }
 
 bool SubtitleCompanion::copyCompanion(const std::string& srcSmiPath, const std::string& destSmiPath,
-                                      uint64_t size) const {
+                                      const FileAttributes& attributes) const {
   // Opened first: a companion that cannot be read must not cost the one that is already there.
   auto source = files_.openForReading(srcSmiPath);
   if (!source) {
     context_.log.write(3, kSendMethod, kHandleMessage, nullptr, nullptr);
     return false;
   }
+  // A failing device can hide a file for a moment: a companion must not be emptied to be copied onto itself.
+  auto existing = files_.attributes(destSmiPath);
+  if (existing && existing->device == attributes.device && existing->inode == attributes.inode) return true;
   auto destination = files_.createFile(destSmiPath);
   if (!destination) {
     context_.log.write(3, kSendMethod, "createFileAtPath Fail!");
@@ -108,7 +110,7 @@ bool SubtitleCompanion::copyCompanion(const std::string& srcSmiPath, const std::
   if (isDisconnected(kSendMethod)) return false;
   // Companions are small: nobody is asked and nothing is reported in between.
   auto copied = copyInChunks(
-      **source, **destination, size, [] { return true; }, [](uint64_t) { return true; });
+      **source, **destination, attributes.size, [] { return true; }, [](uint64_t) { return true; });
   FileStatus closed = (*destination)->close();
   if (copied.end == ChunkedCopyResult::End::Complete && closed) return true;
   const FileError& error = copied.error ? *copied.error : closed.error();

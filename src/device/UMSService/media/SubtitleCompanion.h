@@ -22,7 +22,8 @@ class SubtitleCompanion {
  private:
   bool isAlreadyThere(const std::string& destSmiPath, uint64_t size) const;
   bool hasRoomAndFolder(const std::string& destSmiPath, uint64_t size) const;
-  bool copyCompanion(const std::string& srcSmiPath, const std::string& destSmiPath, uint64_t size) const;
+  bool copyCompanion(const std::string& srcSmiPath, const std::string& destSmiPath,
+                     const FileAttributes& attributes) const;
   FileStatus removeFile(const std::string& path) const;
   bool isDisconnected(const char* method) const;
 

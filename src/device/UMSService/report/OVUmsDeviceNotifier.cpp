@@ -210,7 +210,8 @@ void OVUmsDeviceNotifier::cancelFileTransfer() {
 void OVUmsDeviceNotifier::deleteFileTransfer() {
   RecursiveMutexLock lock(state_->mutex);
   if (state_->_maxTransferFileCount == 0) return;
-  state_->postProgress(kWhole, state_->_currentTransferFileCount * kWhole / state_->_maxTransferFileCount);
+  uint64_t scaled = uint64_t{state_->_currentTransferFileCount} * kWhole;
+  state_->postProgress(kWhole, static_cast<uint32_t>(scaled / state_->_maxTransferFileCount));
 }
 
 MaybeDictionary OVUmsDeviceNotifier::mediaInfo() const {

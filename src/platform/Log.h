@@ -40,6 +40,12 @@ class Log {
     emit(site, stringWithFormat(format, {FormatArgument(arguments)...}));
   }
 
+  /// Writes the bare message: without its place, and without the test.
+  template <typename... Arguments>
+  void plain(const char* format, const Arguments&... arguments) const {
+    sink_->write(stringWithFormat(format, {FormatArgument(arguments)...}));
+  }
+
  private:
   void emit(LogSite site, const std::string& message) const;
 

@@ -1,0 +1,77 @@
+// Copying onto a device against `cp`: one large file, and many small ones.
+//
+//   ums_bench_copy_vs_cp [DISK_FOLDER] [MEMORY_FOLDER]    default: the system's temporary folder and /dev/shm
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "Comparison.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using namespace umsservice::bench;
+
+constexpr uint64_t kLargeFile = 512ull << 20;
+constexpr int kSmallFolders = 200;
+constexpr int kSmallFilesPerFolder = 100;
+constexpr size_t kSmallFile = 8192;
+
+void writeFile(const fs::path& path, uint64_t size) {
+  std::ofstream stream(path, std::ios::binary);
+  std::string block(1 << 20, '\0');
+  for (size_t i = 0; i < block.size(); ++i) block[i] = static_cast<char>(i * 2654435761u >> 11);
+  for (uint64_t written = 0; written < size; written += block.size()) {
+    stream.write(block.data(),
+                 static_cast<std::streamsize>(std::min<uint64_t>(block.size(), size - written)));
+  }
+}
+
+void writeSmallFiles(const fs::path& folder) {
+  for (int i = 0; i < kSmallFolders; ++i) {
+    fs::path album = folder / ("album" + std::to_string(i));
+    fs::create_directories(album);
+    for (int j = 0; j < kSmallFilesPerFolder; ++j)
+      writeFile(album / ("song" + std::to_string(j) + ".mp3"), kSmallFile);
+  }
+}
+
+void contestsIn(const fs::path& place, const std::string& name, const std::string& worker) {
+  fs::path root = place / ("umsservice-bench-" + std::to_string(::getpid()));
+  fs::path device = root / "device";
+  fs::create_directories(root / "small");
+  writeFile(root / "large.mp3", kLargeFile);
+  writeSmallFiles(root / "small");
+  auto freshDevice = [&] {
+    fs::remove_all(device);
+    fs::create_directories(device / "Music");
+    ::sync();
+  };
+  std::string music = (device / "Music").string();
+  compare({"512 MiB file, " + name,
+           {worker, root / "large.mp3", device},
+           {"cp", root / "large.mp3", music},
+           freshDevice,
+           9,
+           1.05});
+  compare({"20,000 files of 8 KiB, " + name,
+           {worker, root / "small", device},
+           {"cp", "-r", root / "small", music},
+           freshDevice,
+           9,
+           1.00});
+  fs::remove_all(root);
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  std::string worker = (fs::canonical(argv[0]).parent_path() / "ums_bench_copy").string();
+  fs::path disk = argc > 1 ? argv[1] : fs::temp_directory_path();
+  fs::path memory = argc > 2 ? argv[2] : "/dev/shm";
+  contestsIn(memory, "memory", worker);
+  contestsIn(disk, "disk", worker);
+}

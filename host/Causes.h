@@ -1,0 +1,15 @@
+/// Why an item failed, in words for a person.
+#pragma once
+
+#include <string>
+
+#include "Device.h"
+#include "umsservice/ItemObserver.h"
+
+namespace umsctl {
+
+/// From the error number and the system's own reason; where these leave the cause open (a missing file with
+/// an unknown extension, a folder that could not be made), the files themselves are looked at.
+std::string causeOf(Device& device, const umsservice::ItemOutcome& outcome);
+
+}  // namespace umsctl

@@ -1,0 +1,49 @@
+/// A device made of folders: the volumes that a person names on the command line, and the service for them.
+///
+/// Owns the service; releasing the device stops what runs and waits for the worker.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "umsservice/UMSService.h"
+
+namespace umsctl {
+
+/// The volumes as they stand on the command line.
+struct VolumeFolders {
+  std::optional<std::string> internal;
+  std::optional<std::string> card;
+
+  bool none() const { return !internal && !card; }
+};
+
+class Device {
+ public:
+  struct Volume {
+    uint32_t index = 0;  ///< as the service numbers them: internal memory first
+    std::string kind;    ///< "internal" or "card"
+    std::string path;    ///< full path, no slash at its end
+  };
+
+  /// Throws `Refusal` for a volume whose folder is not there. Without volumes it serves single folders.
+  explicit Device(const VolumeFolders& folders, std::shared_ptr<umsservice::ItemObserver> observer = nullptr);
+
+  umsservice::UMSService& service() { return *service_; }
+  umsservice::FileSystem& files() { return *environment_.fileSystem; }
+  umsservice::NotificationCenter& notificationCenter() { return *environment_.notificationCenter; }
+
+  const std::vector<Volume>& volumes() const { return volumes_; }
+  /// Throws `Refusal` when no volume has that index.
+  const Volume& volume(uint32_t index) const;
+
+ private:
+  void addVolume(const std::string& folder, bool internal);
+
+  umsservice::Environment environment_;
+  std::unique_ptr<umsservice::UMSService> service_;
+  std::vector<Volume> volumes_;
+};
+
+}  // namespace umsctl

@@ -1,0 +1,39 @@
+/// Ctrl-C (also a request to terminate, and a terminal that goes away): the first one stops what runs in an
+/// orderly way, the second ends the program at once, whatever it is waiting for.
+///
+/// At most one exists at a time. A signal that was ignored when the program started stays ignored.
+#pragma once
+
+#include <functional>
+#include <mutex>
+#include <thread>
+
+namespace umsctl {
+
+class Interrupt {
+ public:
+  Interrupt();
+  /// Gives the signals back to the system.
+  ~Interrupt();
+  Interrupt(const Interrupt&) = delete;
+  Interrupt& operator=(const Interrupt&) = delete;
+
+  bool happened() const;
+  /// Becomes readable with the first interrupt and stays so; nobody reads from it. For use with `poll`.
+  int descriptor() const;
+  /// What the first interrupt does; runs on a thread of its own, or at once where it has come already.
+  /// Null takes the action back and waits for one that is under way.
+  void setAction(std::function<void()> action);
+  /// Returns once the action of an interrupt that has happened is done.
+  void settle();
+
+ private:
+  void waitForSignal();
+  void runAction();
+
+  std::mutex mutex_;
+  std::function<void()> action_;
+  std::thread waiter_;
+};
+
+}  // namespace umsctl

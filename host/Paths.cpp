@@ -1,0 +1,25 @@
+#include "Paths.h"
+
+#include <filesystem>
+
+namespace umsctl {
+
+std::string absolutePath(const std::string& path) {
+  if (path.empty() || path.front() == '/') return path;
+  std::error_code failure;
+  std::filesystem::path folder = std::filesystem::current_path(failure);
+  return failure ? path : (folder / path).string();  // in a removed folder every path is missing anyway
+}
+
+std::string withoutTrailingSlashes(const std::string& path) {
+  size_t last = path.find_last_not_of('/');
+  if (last == std::string::npos) return path.substr(0, 1);
+  return path.substr(0, last + 1);
+}
+
+std::string lastComponent(const std::string& path) {
+  std::string trimmed = withoutTrailingSlashes(path);
+  return trimmed.substr(trimmed.rfind('/') + 1);
+}
+
+}  // namespace umsctl

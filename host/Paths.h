@@ -1,0 +1,18 @@
+/// Paths as a person types them.
+#pragma once
+
+#include <string>
+
+namespace umsctl {
+
+/// The full path: a relative one counts from the working folder. Nothing else changes, so that links and
+/// ".." mean what they mean to the system. An empty path stays empty.
+std::string absolutePath(const std::string& path);
+
+/// The path without slashes at its end; "/" stays.
+std::string withoutTrailingSlashes(const std::string& path);
+
+/// What stands behind the last slash, slashes at the end not counted; empty for "/" and "".
+std::string lastComponent(const std::string& path);
+
+}  // namespace umsctl

@@ -1,0 +1,20 @@
+/// umsctl mkdir and umsctl rmdir: single folders of a device.
+#pragma once
+
+#include <string>
+
+#include "ExitStatus.h"
+
+namespace umsctl {
+
+/// Makes a folder and those above it. One that is there already is fine.
+ExitStatus makeFolder(const std::string& folder);
+
+struct RemoveFolderOptions {
+  std::string folder;
+  bool recursive = false;  ///< with everything in it; otherwise only an empty folder goes
+};
+
+ExitStatus removeFolder(const RemoveFolderOptions& options);
+
+}  // namespace umsctl

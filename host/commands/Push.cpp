@@ -1,0 +1,18 @@
+#include "commands/Push.h"
+
+#include "Transfer.h"
+
+namespace umsctl {
+
+ExitStatus push(const PushOptions& options) {
+  Transfer transfer(options.volumes, options.files, options.onConflict);
+  const Device::Volume& target = transfer.device().volume(options.to);
+  auto queue = [&](uint32_t serviceID, const umsservice::Array& contents) {
+    // Each file goes by its own type; a request for videos takes their subtitles along.
+    return transfer.device().service().copyContentsMacToDevice(serviceID, contents, umsservice::kMediaVideo,
+                                                               target.index);
+  };
+  return transfer.run(queue, target.path);
+}
+
+}  // namespace umsctl

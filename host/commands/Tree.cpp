@@ -1,0 +1,106 @@
+#include "commands/Tree.h"
+
+#include <algorithm>
+
+#include "Amounts.h"
+#include "EscapedName.h"
+#include "Output.h"
+#include "Paths.h"
+
+namespace umsctl {
+namespace {
+
+using umsservice::Array;
+using umsservice::FileType;
+using umsservice::MaybeArray;
+
+std::vector<std::string> textsOf(const Array& array) {
+  std::vector<std::string> texts;
+  for (const auto& element : array.snapshot()) texts.push_back(element.string().value_or(""));
+  return texts;
+}
+
+/// By components: everything in "a" comes before "a b", although a blank sorts before a slash.
+bool comesBefore(const std::string& one, const std::string& other) {
+  auto smaller = [](char left, char right) {
+    if (left == right || right == '/') return false;
+    return left == '/' || static_cast<unsigned char>(left) < static_cast<unsigned char>(right);
+  };
+  return std::lexicographical_compare(one.begin(), one.end(), other.begin(), other.end(), smaller);
+}
+
+/// One tree on standard output. Folders that cannot be read are told on standard error.
+class TreePrinter {
+ public:
+  explicit TreePrinter(Device& device) : device_(device) {}
+
+  /// `folders` as the service lists them: the root first, full paths.
+  void show(const std::string& root, const Array& folders) {
+    std::vector<std::string> paths = textsOf(folders);
+    std::sort(paths.begin(), paths.end(), comesBefore);
+    for (const std::string& path : paths) showFolder(root, path);
+  }
+
+  bool everythingWasRead() const { return everythingWasRead_; }
+
+ private:
+  void showFolder(const std::string& root, const std::string& path) {
+    std::string below = path.size() > root.size() ? path.substr(root.size()) : "";
+    auto depth = static_cast<size_t>(std::count(below.begin(), below.end(), '/'));
+    if (depth > 0 && isLink(path)) return print(line(depth, lastComponent(path)) + "/  (a link)\n");
+    if (depth > 0) print(line(depth, lastComponent(path)) + "/\n");
+    MaybeArray names = device_.service().fileLists(path);
+    if (!names) return tellUnreadable(path);
+    std::vector<std::string> files = textsOf(*names);
+    std::sort(files.begin(), files.end());
+    for (const std::string& file : files) {
+      uint64_t size = device_.service().fileSizeAtDevice(path + "/" + file);
+      print(line(depth + 1, file) + "  " + byteText(size) + "\n");
+    }
+  }
+
+  static std::string line(size_t depth, const std::string& name) {
+    return std::string(depth * 2, ' ') + escaped(name);
+  }
+
+  bool isLink(const std::string& path) {
+    auto found = device_.files().linkAttributes(path);
+    return found && found->type == FileType::SymbolicLink;
+  }
+
+  void tellUnreadable(const std::string& path) {
+    everythingWasRead_ = false;
+    auto listed = device_.files().list(path);
+    complain(path, listed ? "it could not be read" : listed.error().words());
+  }
+
+  Device& device_;
+  bool everythingWasRead_ = true;
+};
+
+void showVolumes(Device& device, TreePrinter& printer) {
+  auto trees = device.service().getDeviceAllFolderLists();
+  for (const Device::Volume& volume : device.volumes()) {
+    print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
+    auto tree = trees ? trees->at(volume.index).dictionary() : std::nullopt;
+    auto folders = tree ? tree->get("folderLists").array() : std::nullopt;
+    if (folders) printer.show(volume.path, *folders);
+  }
+}
+
+}  // namespace
+
+ExitStatus tree(const TreeOptions& options) {
+  Device device(options.volumes);
+  TreePrinter printer(device);
+  if (options.folder) {
+    std::string root = withoutTrailingSlashes(absolutePath(*options.folder));
+    print(escaped(*options.folder) + "\n");
+    printer.show(root, *device.service().recursiveFolderLists(root));
+  } else {
+    showVolumes(device, printer);
+  }
+  return printer.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;
+}
+
+}  // namespace umsctl

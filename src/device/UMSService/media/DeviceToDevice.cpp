@@ -1,0 +1,134 @@
+#include "DeviceToDevice.h"
+
+#include "umsservice/ErrorNumbers.h"
+#include "umsservice/Notifications.h"
+
+namespace umsservice {
+namespace {
+
+constexpr auto kMethod = "-[UMSService doDeviceToDevcieContents:]";
+
+/// A write that was stopped: the destination says NO and gives a stop code.
+bool wasStopped(const FileOutcome& outcome) {
+  return !outcome.result && isStopCode(outcome.errorNumber.value_or(kErrorNone));
+}
+
+}  // namespace
+
+/// What the destination reports to: this device's reports, and NO once this run has to end. The destination
+/// knows nothing of a cancel or a shutdown on this side.
+class DeviceToDevice::Progress final : public TransferCallback {
+ public:
+  Progress(MediaTools& tools, uint32_t serviceID) : tools_(tools), serviceID_(serviceID) {}
+
+  bool transferProgressInfo(TransferContext* context, uint32_t maxTransferSize,
+                            uint32_t currentTransferSize) override {
+    return tools_.reports.transferProgressInfo(context, maxTransferSize, currentTransferSize) &&
+           mayGoOn(maxTransferSize, currentTransferSize);
+  }
+  bool transferProgressInfoEx(TransferContext* context, uint64_t maxTransferSize,
+                              uint64_t currentTransferSize) override {
+    return tools_.reports.transferProgressInfoEx(context, maxTransferSize, currentTransferSize) &&
+           mayGoOn(maxTransferSize, currentTransferSize);
+  }
+
+ private:
+  bool mayGoOn(uint64_t maxTransferSize, uint64_t currentTransferSize) const {
+    if (currentTransferSize >= maxTransferSize) return true;  // the file is complete
+    return !tools_.context.isReleased() && !tools_.context.cancelList.isCancelServiceId(serviceID_);
+  }
+
+  MediaTools& tools_;
+  const uint32_t serviceID_;
+};
+
+bool DeviceToDevice::run() {
+  if (!findDestination()) return false;
+  if (request_.mediaType == kMediaPodcast) {
+    context_.log.write(3, kMethod, "Media Type is podcast.");
+    return false;
+  }
+  MediaRun run(tools_, request_, kMethod, request_.srcLocationID, request_.destLocationID,
+               destination_->modelName());
+  if (request_.playlistName) run.notifier().setPlaylistName(request_.playlistName);
+  progress_ = std::make_shared<Progress>(tools_, request_.serviceID);
+  for (size_t i = 0; i < run.count(); ++i) {
+    if (sendItem(run, run.item(i)) == Next::EndRun) break;
+  }
+  return run.lastResult();
+}
+
+bool DeviceToDevice::findDestination() {
+  delegate_ = context_.identity.confirmDelegate();
+  if (!delegate_) {
+    context_.log.write(3, kMethod, "Delegate is nil");
+    return false;
+  }
+  destination_ = delegate_->getFileServiceObject(request_.destLocationID);
+  if (!destination_) context_.log.write(3, kMethod, "Get target file service object fail");
+  return destination_ != nullptr;
+}
+
+DeviceToDevice::Next DeviceToDevice::sendItem(MediaRun& run, MediaItem item) {
+  if (run.endsForCancel(item)) return Next::EndRun;
+  run.begin();
+  if (auto next = run.refuseIncomplete(item, kErrorBadCopyItem)) return *next;
+  item.destFolder = request_.destPath;
+  if (auto next = run.formTarget(item, kErrorBadCopyItem)) return *next;
+  if (run.endsForRelease(item)) return Next::EndRun;
+  FileOutcome outcome = write(run, item, false);
+  if (wasStopped(outcome)) return run.stopped(item, outcome);
+  if (outcome.errorNumber == kErrorFileExists) {
+    if (auto next = settleConflict(run, item, outcome)) return *next;
+  }
+  return conclude(run, item, outcome);
+}
+
+FileOutcome DeviceToDevice::write(MediaRun& run, const MediaItem& item, bool isOverWrite) {
+  OVUmsDeviceNotifier& notifier = run.notifier();
+  const uint64_t before = notifier.currentTransferSize();
+  uint32_t errorNumber = kErrorNone;
+  FileOutcome outcome;
+  outcome.result = destination_->syncWriteFileToDevice(item.content, std::nullopt, request_.storageIndex,
+                                                       request_.mediaType, isOverWrite, progress_, &notifier,
+                                                       &errorNumber);
+  outcome.errorNumber = errorNumber;
+  outcome.bytes = notifier.currentTransferSize() - before;
+  run.setLastResult(outcome.result);
+  return outcome;
+}
+
+/// For destinations that report an existing file; a `UMSService` replaces it without a word.
+std::optional<DeviceToDevice::Next> DeviceToDevice::settleConflict(MediaRun& run, const MediaItem& item,
+                                                                   FileOutcome& outcome) {
+  const uint64_t size = tools_.files.mediaFileSize(item.filePath);
+  if (!conversation_.replaces(*delegate_, *item.filePath)) return run.skipped(item, size);
+  outcome = write(run, item, true);
+  if (wasStopped(outcome)) return run.stopped(item, outcome);
+  return std::nullopt;
+}
+
+DeviceToDevice::Next DeviceToDevice::conclude(MediaRun& run, const MediaItem& item,
+                                              const FileOutcome& outcome) {
+  const uint32_t errorNumber = outcome.errorNumber.value_or(kErrorNone);
+  run.notifier().setTransferResult(errorNumber);
+  if (errorNumber == kErrorVolumeFull) return run.volumeFull(item, outcome);
+  if (!outcome.result || errorNumber != kErrorNone) return run.failed(item, outcome);
+  run.attachMediaInfo(*item.filePath, item.destPath);
+  if (hasArrived(item, outcome)) return run.done(item, outcome);
+  run.notifier().incCurrentTransferFileCount();
+  run.tell(item, ItemOutcome::Kind::Failed, kErrorCreateFolderFailed);
+  return Next::GoOn;
+}
+
+/// A destination that could not make its folder answers YES all the same. The host takes the file for done
+/// then; the observer is told the truth.
+bool DeviceToDevice::hasArrived(const MediaItem& item, const FileOutcome& outcome) const {
+  if (outcome.bytes > 0 || !context_.environment.itemObserver) return true;
+  // Nothing was reported: an empty file, or a destination that reports nothing.
+  auto source = context_.files().attributes(*item.filePath);
+  auto arrived = context_.files().attributes(*item.destPath);
+  return source && arrived && source->size == arrived->size;
+}
+
+}  // namespace umsservice

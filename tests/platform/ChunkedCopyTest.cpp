@@ -1,0 +1,175 @@
+#include "ChunkedCopyRun.h"
+
+namespace umsservice::testing {
+namespace {
+
+using ChunkedCopies = ChunkedCopyTest;
+
+uint64_t unitsOf(uint64_t size) {
+  return (size + kCopyUnit - 1) / kCopyUnit;
+}
+
+class ChunkedCopiesOfEverySize : public ChunkedCopyTest, public ::testing::WithParamInterface<uint64_t> {};
+
+TEST_P(ChunkedCopiesOfEverySize, AskBeforeAndReportAfterEachUnitAndCopyEveryByte) {
+  const uint64_t size = GetParam();
+  run(size);
+  EXPECT_EQ(result.end, End::Complete);
+  EXPECT_FALSE(result.error);
+  expectPrefix(size, bytesOf(source));
+  std::vector<std::string> expected;
+  for (uint64_t unit = 1; unit <= unitsOf(size); ++unit) {
+    expected.push_back("?");
+    expected.push_back(std::to_string(std::min(unit * kCopyUnit, size)));
+  }
+  EXPECT_EQ(events, expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(Bytes, ChunkedCopiesOfEverySize,
+                         ::testing::Values(0, 1, 4095, 4096, 4097, kBlock - 1, kBlock, kBlock + 1,
+                                           (1 << 20) + 3));
+
+class ChunkedCopiesStopped : public ChunkedCopyTest, public ::testing::WithParamInterface<size_t> {
+ protected:
+  static constexpr uint64_t kSize = (1 << 20) + 3;
+};
+
+TEST_P(ChunkedCopiesStopped, BeforeAUnitLeaveExactlyTheUnitsBeforeIt) {
+  stopBeforeUnit = GetParam();
+  run(kSize);
+  EXPECT_EQ(result.end, End::Stopped);
+  EXPECT_FALSE(result.error);
+  expectPrefix((stopBeforeUnit - 1) * kCopyUnit, bytesOf(source));
+  EXPECT_EQ(asks, stopBeforeUnit);
+  EXPECT_EQ(reports.size(), stopBeforeUnit - 1);
+}
+
+TEST_P(ChunkedCopiesStopped, AfterAUnitLeaveExactlyTheUnitsUpToIt) {
+  stopAfterUnit = GetParam();
+  run(kSize);
+  EXPECT_EQ(result.end, End::Stopped);
+  EXPECT_FALSE(result.error);
+  expectPrefix(std::min(stopAfterUnit * kCopyUnit, kSize), bytesOf(source));
+  EXPECT_EQ(asks, stopAfterUnit);
+  EXPECT_EQ(reports.size(), stopAfterUnit);
+}
+
+// 64 units are one block: the first and last units of blocks are where a stop meets the physical reads.
+INSTANTIATE_TEST_SUITE_P(AtUnit, ChunkedCopiesStopped,
+                         ::testing::Values(1, 2, 63, 64, 65, 66, 128, 129, 256, 257));
+
+TEST_F(ChunkedCopies, OfAnEmptyFileNeitherAskNorReadNorWrite) {
+  stopBeforeUnit = 1;
+  run(0);
+  EXPECT_EQ(result.end, End::Complete);
+  EXPECT_TRUE(events.empty());
+  EXPECT_EQ(files.count(FileCall::Read), 0u);
+  EXPECT_EQ(files.count(FileCall::Write), 0u);
+}
+
+TEST_F(ChunkedCopies, StoppedBeforeTheFirstUnitReadNothing) {
+  stopBeforeUnit = 1;
+  run(kBlock);
+  EXPECT_EQ(files.count(FileCall::Read), 0u);
+  EXPECT_EQ(files.count(FileCall::Write), 0u);
+}
+
+TEST_F(ChunkedCopies, MoveManyUnitsWithEachSystemCall) {
+  run(4 * kBlock);
+  EXPECT_EQ(reports.size(), 256u);
+  EXPECT_EQ(files.count(FileCall::Read), 4u);
+  EXPECT_EQ(files.count(FileCall::Write), 4u);
+  EXPECT_EQ(files.count(FileCall::Truncate), 0u);
+}
+
+TEST_F(ChunkedCopies, StopAtTheSizeTheyWereGivenWhenTheSourceGrows) {
+  const uint64_t size = kBlock + 100;
+  std::string whole = bytesOf(sandbox.patternFile("source", size));
+  onReport = [&](uint64_t copied) {
+    if (copied == kCopyUnit) sandbox.file("source", whole + std::string(kBlock, 'x'));
+  };
+  run(size);
+  EXPECT_EQ(result.end, End::Complete);
+  expectPrefix(size, whole);
+}
+
+TEST_F(ChunkedCopies, CopyOnlyTheBeginningOfALongerSource) {
+  std::string whole = bytesOf(sandbox.patternFile("source", 3 * kCopyUnit));
+  run(kCopyUnit + 1);
+  EXPECT_EQ(result.end, End::Complete);
+  expectPrefix(kCopyUnit + 1, whole);
+}
+
+/// Gives out a file in pieces of a size that fits nothing, and may end early.
+class Trickle final : public FileHandle {
+ public:
+  explicit Trickle(uint64_t size) : left_(size) {}
+  FileResult<size_t> read(void* buffer, size_t size) override {
+    size_t length = static_cast<size_t>(std::min<uint64_t>({size, 1000, left_}));
+    std::fill_n(static_cast<char*>(buffer), length, 'x');
+    left_ -= length;
+    return length;
+  }
+  WriteOutcome write(const void*, size_t size) override { return {size, {}}; }
+  FileStatus truncate(uint64_t) override { return Done{}; }
+  FileStatus sync() override { return Done{}; }
+  FileStatus close() override { return Done{}; }
+
+ private:
+  uint64_t left_;
+};
+
+TEST_F(ChunkedCopies, AccountInWholeUnitsWhenTheSystemReadsLess) {
+  Trickle from(10000);
+  auto to = files.createFile(copy);
+  std::vector<uint64_t> counts;
+  auto done = copyInChunks(
+      from, **to, 10000, [] { return true; },
+      [&](uint64_t copied) {
+        counts.push_back(copied);
+        return true;
+      });
+  EXPECT_EQ(done.end, End::Complete);
+  EXPECT_EQ(counts, (std::vector<uint64_t>{4096, 8192, 10000}));
+  EXPECT_EQ(bytesOf(copy), std::string(10000, 'x'));
+}
+
+/// An endless source and a sink that remember which memory they were given.
+class Memory final : public FileHandle {
+ public:
+  FileResult<size_t> read(void* buffer, size_t size) override {
+    see(buffer, size);
+    return size;
+  }
+  WriteOutcome write(const void* buffer, size_t size) override {
+    see(buffer, size);
+    return {size, {}};
+  }
+  FileStatus truncate(uint64_t) override { return Done{}; }
+  FileStatus sync() override { return Done{}; }
+  FileStatus close() override { return Done{}; }
+  /// Bytes from the lowest to the highest address seen.
+  uintptr_t span() const { return high_ - low_; }
+
+ private:
+  void see(const void* buffer, size_t size) {
+    auto address = reinterpret_cast<uintptr_t>(buffer);
+    low_ = std::min(low_, address);
+    high_ = std::max(high_, address + size);
+  }
+  uintptr_t low_ = UINTPTR_MAX;
+  uintptr_t high_ = 0;
+};
+
+TEST_F(ChunkedCopies, NeedTheSameSmallMemoryForFilesOfAnySize) {
+  Memory memory;
+  const uint64_t size = (uint64_t{1} << 30) + 5;
+  auto done = copyInChunks(
+      memory, memory, size, [] { return true; }, [](uint64_t) { return true; });
+  EXPECT_EQ(done.end, End::Complete);
+  EXPECT_EQ(done.copied, size);
+  EXPECT_LE(memory.span(), kBlock);
+}
+
+}  // namespace
+}  // namespace umsservice::testing
