@@ -37,7 +37,7 @@ TEST_F(DefaultFolders, TheFullFolderIsTheProfilesAnswerJoinedWithNothingBetween)
   }
   profile.musicInternal = "Tunes";
   EXPECT_EQ(full(1, kMediaMusic), "/Volumes/PHONETunes");
-  EXPECT_EQ(profile.lastLocation, "location-1");
+  EXPECT_EQ(profile.lastLocation(), "location-1");
 }
 
 TEST_F(DefaultFolders, TheFullFolderFallsBackToFixedNames) {

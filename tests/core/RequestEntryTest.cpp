@@ -203,7 +203,7 @@ TEST_F(RequestEntry, QueuesACopyToAnotherDevice) {
   surroundings.profile->musicExternal = "/Tunes";
   EXPECT_TRUE(copyToPeer(1));
   EXPECT_EQ(askedFor, "location-2");
-  EXPECT_EQ(surroundings.profile->lastLocation, "location-1") << "the source device's profile is asked";
+  EXPECT_EQ(surroundings.profile->lastLocation(), "location-1") << "the source device's profile is asked";
   EXPECT_EQ(queued(), (Lines{"command: u32 217", "destLocationID: text location-2",
                              "destPath: text /peer/Tunes", "mediaType: u32 1", "serviceID: u32 7",
                              "srcLocationID: text location-1", "storageIndex: u32 1"}));

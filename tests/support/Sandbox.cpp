@@ -69,8 +69,15 @@ std::string Sandbox::file(const std::string& relative, const std::string& bytes)
 }
 
 std::string Sandbox::patternFile(const std::string& relative, uint64_t size) const {
-  std::string bytes(size, '\0');
-  for (uint64_t i = 0; i < size; ++i) bytes[i] = static_cast<char>((i * 2654435761u) >> 13);
+  // Made once and repeated with a prime period: byte by byte would be slow under a sanitizer.
+  static const std::string block = [] {
+    std::string bytes(65521, '\0');
+    for (size_t i = 0; i < bytes.size(); ++i) bytes[i] = static_cast<char>((i * 2654435761u) >> 13);
+    return bytes;
+  }();
+  std::string bytes;
+  bytes.reserve(size);
+  while (bytes.size() < size) bytes.append(block, 0, std::min<uint64_t>(block.size(), size - bytes.size()));
   return file(relative, bytes);
 }
 
@@ -126,8 +133,13 @@ WithoutRootPowers::~WithoutRootPowers() {
 }
 
 std::string bytesOf(const std::string& path) {
-  std::ifstream stream(path, std::ios::binary);
-  return std::string(std::istreambuf_iterator<char>(stream), std::istreambuf_iterator<char>());
+  std::ifstream stream(path, std::ios::binary | std::ios::ate);
+  if (!stream) return std::string();
+  std::string bytes(static_cast<size_t>(stream.tellg()), '\0');
+  stream.seekg(0);
+  stream.read(bytes.data(), static_cast<std::streamsize>(bytes.size()));
+  bytes.resize(static_cast<size_t>(stream.gcount()));
+  return bytes;
 }
 
 bool exists(const std::string& path) {

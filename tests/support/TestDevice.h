@@ -3,6 +3,8 @@
 
 #include <gtest/gtest.h>
 
+#include <mutex>
+
 #include "Recorders.h"
 #include "Sandbox.h"
 #include "WrappedFileSystem.h"
@@ -17,7 +19,11 @@ class ScriptedProfile final : public ProfileInfo {
  public:
   MaybeString musicInternal, musicExternal, imageInternal, imageExternal;
   MaybeString movieInternal, movieExternal, podcastInternal, podcastExternal;
-  MaybeString lastLocation;
+
+  MaybeString lastLocation() const {
+    std::lock_guard lock(mutex_);
+    return lastLocation_;
+  }
 
   MaybeString contentsMusicDefaultFolderInternal(const MaybeString& at) override {
     return answer(at, musicInternal);
@@ -46,9 +52,13 @@ class ScriptedProfile final : public ProfileInfo {
 
  private:
   MaybeString answer(const MaybeString& location, const MaybeString& folder) {
-    lastLocation = location;
+    std::lock_guard lock(mutex_);
+    lastLocation_ = location;
     return folder;
   }
+
+  mutable std::mutex mutex_;
+  MaybeString lastLocation_;
 };
 
 /// Surroundings for a service under test: real files (with faults on demand), a center of its own, recorded
