@@ -88,7 +88,7 @@ TEST_F(ServiceHandlers, MayCancelQueuedRequestsFromTheWorker) {
 TEST_F(ServiceHandlers, MayQueueAndCancelInsideTheAnnouncementOfACancellation) {
   std::lock_guard section(service->synchronizedSection());
   for (uint32_t id : {1u, 2u, 3u}) ASSERT_TRUE(queueShort(id, std::to_string(id) + ".mp3"));
-  ASSERT_TRUE(eventually([this] { return log.messages().back().ends_with("COPY_TO_DEVICE_CONTENTS"); }));
+  ASSERT_TRUE(waitForDispatchedCopy());
   notifications.onEach([this](const Notification& posted) {
     if (posted.userInfo.get(key::kServiceID).unsignedIntValue() != 2) return;
     service->cancelFileAction(3);

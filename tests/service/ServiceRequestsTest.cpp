@@ -152,10 +152,7 @@ TEST_F(ServiceRequests, AHostThatHoldsTheSectionKeepsLongOperationsFromStarting)
   {
     std::lock_guard section(service->synchronizedSection());
     ASSERT_TRUE(queueShort(1, "short.mp3"));
-    ASSERT_TRUE(eventually([&] {
-      auto lines = linesOf(surroundings, "-[UMSService doUmsFileService:]");
-      return !lines.empty() && lines.back().ends_with("FS_COMMAND_OV_COPY_TO_DEVICE_CONTENTS");
-    }));
+    ASSERT_TRUE(waitForDispatchedCopy());
     EXPECT_TRUE(notifications.all().empty());
     EXPECT_FALSE(exists(onDevice("short.mp3")));
   }

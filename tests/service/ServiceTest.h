@@ -47,6 +47,13 @@ class ServiceTest : public DeviceTest {
       return std::count(lines.begin(), lines.end(), methodAndMessage) > 0;
     });
   }
+  /// The last line of the worker before it needs the section that long operations run in.
+  bool waitForDispatchedCopy() const {
+    return eventually([this] {
+      auto lines = linesOf(surroundings, "-[UMSService doUmsFileService:]");
+      return !lines.empty() && lines.back().ends_with("FS_COMMAND_OV_COPY_TO_DEVICE_CONTENTS");
+    });
+  }
   /// The last line of a release, before it waits for its worker.
   bool waitForRelease() const { return waitForLine("-[UMSService dealloc] EXIT"); }
   bool waitForWorkersEnd(size_t workers = 1) const {
