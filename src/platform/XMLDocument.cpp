@@ -48,6 +48,20 @@ size_t legalAtStart(std::string_view text) {
   return length > 0 && isLegal(character) ? static_cast<size_t>(length) : 0;
 }
 
+struct Written {
+  std::string bytes;
+  bool isTooLong = false;  ///< to be read back
+};
+
+/// Takes what libxml2 writes. What is too long is dropped rather than refused, which libxml2 would report on
+/// the host's standard error.
+int takeWritten(void* context, const char* bytes, int length) {
+  auto& written = *static_cast<Written*>(context);
+  written.isTooLong |= written.bytes.size() + static_cast<size_t>(length) > XMLDocument::kLongest;
+  if (!written.isTooLong) written.bytes.append(bytes, static_cast<size_t>(length));
+  return length;
+}
+
 }  // namespace
 
 std::string XMLElement::name() const {
@@ -126,14 +140,13 @@ XMLElement XMLDocument::root() const {
 }
 
 std::optional<std::string> XMLDocument::bytes() const {
-  std::unique_ptr<xmlBuffer, void (*)(xmlBuffer*)> buffer(orOutOfMemory(xmlBufferCreate()), xmlBufferFree);
-  xmlSaveCtxt* saving =
-      orOutOfMemory(xmlSaveToBuffer(buffer.get(), "utf-8", XML_SAVE_FORMAT | XML_SAVE_NO_EMPTY));
+  Written written;
+  xmlSaveCtxt* saving = orOutOfMemory(
+      xmlSaveToIO(takeWritten, nullptr, &written, "utf-8", XML_SAVE_FORMAT | XML_SAVE_NO_EMPTY));
   bool saved = xmlSaveDoc(saving, document_.get()) >= 0;
   saved = xmlSaveClose(saving) >= 0 && saved;
-  std::string_view written(fromXML(xmlBufferContent(buffer.get())));
-  if (!saved || written.empty() || written.size() > kLongest) return std::nullopt;
-  return std::string(written);
+  if (!saved || written.isTooLong || written.bytes.empty()) return std::nullopt;
+  return std::move(written.bytes);
 }
 
 }  // namespace umsservice
