@@ -96,6 +96,13 @@ class FileHandle {
   virtual FileResult<size_t> read(void* buffer, size_t size) = 0;
   /// Writes all of `size` bytes at the current position, or says how many were written before the failure.
   virtual WriteOutcome write(const void* buffer, size_t size) = 0;
+  /// Copies at most `size` bytes from the current position of `source` to the current position of this file
+  /// without handing them through the process, where the system can; both positions advance. 0 when it
+  /// cannot, when the source has ended and when it fails: reading and writing then tell why.
+  virtual size_t copyFrom(FileHandle& source, size_t size) {
+    (void)source, (void)size;
+    return 0;
+  }
   /// Cuts the file to `size` bytes.
   virtual FileStatus truncate(uint64_t size) = 0;
   /// Asks the device to keep what was written.
@@ -122,6 +129,9 @@ class FileSystem {
   /// Makes an empty file, or empties an existing one, and opens it for writing. Never writes through a
   /// symbolic link and never opens anything but a regular file.
   virtual FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) = 0;
+  /// Makes an empty file and opens it for writing. An item that already has the name, a link that leads
+  /// nowhere included, is left alone and the call fails with EEXIST.
+  virtual FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) = 0;
   /// Opens a regular file for reading from its first byte; anything else cannot be opened.
   virtual FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) = 0;
   /// Renames an item; an item that already has the new name is left alone and the call fails.

@@ -38,30 +38,48 @@ class Walk {
       : size_(size), mayGoOn_(mayGoOn), report_(report) {}
 
   ChunkedCopyResult run(FileHandle& source, FileHandle& destination) {
-    const auto blockSize = static_cast<size_t>(std::min<uint64_t>(size_, kPhysicalBlock));
-    auto buffer = std::make_unique_for_overwrite<std::byte[]>(blockSize);
-    while (result_.copied < size_ && asked()) {
-      auto wanted = static_cast<size_t>(std::min<uint64_t>(size_ - result_.copied, blockSize));
-      Block block = readBlock(source, buffer.get(), wanted);
-      WriteOutcome outcome;
-      if (block.length > 0) outcome = destination.write(buffer.get(), block.length);
-      written_ += outcome.written;
-      account(block.length, outcome.written);
-      if (result_.end != ChunkedCopyResult::End::Complete) break;
-      if (outcome.error) {
-        fail(*outcome.error);
-      } else if (block.error) {
-        fail(*block.error);
-      } else {
-        continue;
-      }
-      break;
-    }
+    while (result_.end == ChunkedCopyResult::End::Complete && result_.copied < size_ && asked())
+      copyBlock(source, destination, blockAt(result_.copied));
     if (written_ > result_.copied) (void)destination.truncate(result_.copied);
     return result_;
   }
 
  private:
+  size_t blockAt(uint64_t position) const {
+    return static_cast<size_t>(std::min<uint64_t>(size_ - position, kPhysicalBlock));
+  }
+
+  void copyBlock(FileHandle& source, FileHandle& destination, size_t wanted) {
+    const size_t moved = moveInside(source, destination, wanted);
+    Block block;
+    WriteOutcome outcome;
+    if (moved < wanted) {
+      if (!buffer_) buffer_ = std::make_unique_for_overwrite<std::byte[]>(blockAt(0));
+      block = readBlock(source, buffer_.get(), wanted - moved);
+      if (block.length > 0) outcome = destination.write(buffer_.get(), block.length);
+    }
+    written_ += moved + outcome.written;
+    account(moved + block.length, moved + outcome.written);
+    if (result_.end != ChunkedCopyResult::End::Complete) return;
+    if (outcome.error) {
+      fail(*outcome.error);
+    } else if (block.error) {
+      fail(*block.error);
+    }
+  }
+
+  /// Lets the system move the bytes itself, which is half the work where it can. What it does not move,
+  /// because the source ends or for any failure, is left to reading and writing, which tell why.
+  size_t moveInside(FileHandle& source, FileHandle& destination, size_t wanted) {
+    size_t moved = 0;
+    while (systemMoves_ && moved < wanted) {
+      size_t length = destination.copyFrom(source, wanted - moved);
+      systemMoves_ = length > 0;
+      moved += length;
+    }
+    return moved;
+  }
+
   /// Walks a written block unit by unit. A unit that was only partly written is not accounted for.
   void account(size_t length, size_t written) {
     size_t walked = 0;
@@ -93,6 +111,8 @@ class Walk {
   const std::function<bool()>& mayGoOn_;
   const std::function<bool(uint64_t)>& report_;
   uint64_t written_ = 0;
+  bool systemMoves_ = true;  ///< until it does not
+  std::unique_ptr<std::byte[]> buffer_;
   ChunkedCopyResult result_;
 };
 

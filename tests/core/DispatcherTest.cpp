@@ -43,6 +43,9 @@ class SizedFileSystem final : public FileSystem {
   FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
     return real_->createFile(path);
   }
+  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) override {
+    return real_->createNewFile(path);
+  }
   FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override {
     return real_->openForReading(path);
   }

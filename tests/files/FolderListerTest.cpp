@@ -200,6 +200,9 @@ class NamelessEntries final : public FileSystem {
   FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
     return real_->createFile(path);
   }
+  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) override {
+    return real_->createNewFile(path);
+  }
   FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override {
     return real_->openForReading(path);
   }

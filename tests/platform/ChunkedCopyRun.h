@@ -19,8 +19,9 @@ class ChunkedCopyTest : public ::testing::Test {
     if (!exists(source)) sandbox.patternFile("source", size);
     events.clear();
     reports.clear();
-    auto from = files.openForReading(source);
-    auto to = files.createFile(copy);
+    FileSystem& used = insideSystem ? *posixFileSystem() : static_cast<FileSystem&>(files);
+    auto from = used.openForReading(source);
+    auto to = used.createFile(copy);
     ASSERT_TRUE(from);
     ASSERT_TRUE(to);
     result = copyInChunks(
@@ -50,6 +51,7 @@ class ChunkedCopyTest : public ::testing::Test {
   std::string source = sandbox.at("source");
   std::string copy = sandbox.at("copy");
 
+  bool insideSystem = false;  ///< whether the system may move the bytes itself
   size_t stopBeforeUnit = 0;  ///< 1-based; 0 never stops
   size_t stopAfterUnit = 0;
   std::function<void(uint64_t)> onReport;

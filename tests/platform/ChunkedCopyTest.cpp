@@ -9,10 +9,12 @@ uint64_t unitsOf(uint64_t size) {
   return (size + kCopyUnit - 1) / kCopyUnit;
 }
 
-class ChunkedCopiesOfEverySize : public ChunkedCopyTest, public ::testing::WithParamInterface<uint64_t> {};
+class ChunkedCopiesOfEverySize : public ChunkedCopyTest,
+                                 public ::testing::WithParamInterface<std::tuple<uint64_t, bool>> {};
 
 TEST_P(ChunkedCopiesOfEverySize, AskBeforeAndReportAfterEachUnitAndCopyEveryByte) {
-  const uint64_t size = GetParam();
+  const uint64_t size = std::get<0>(GetParam());
+  insideSystem = std::get<1>(GetParam());
   run(size);
   EXPECT_EQ(result.end, End::Complete);
   EXPECT_FALSE(result.error);
@@ -26,16 +28,18 @@ TEST_P(ChunkedCopiesOfEverySize, AskBeforeAndReportAfterEachUnitAndCopyEveryByte
 }
 
 INSTANTIATE_TEST_SUITE_P(Bytes, ChunkedCopiesOfEverySize,
-                         ::testing::Values(0, 1, 4095, 4096, 4097, kBlock - 1, kBlock, kBlock + 1,
-                                           (1 << 20) + 3));
+                         ::testing::Combine(::testing::Values(0, 1, 4095, 4096, 4097, kBlock - 1, kBlock,
+                                                              kBlock + 1, (1 << 20) + 3),
+                                            ::testing::Bool()));
 
-class ChunkedCopiesStopped : public ChunkedCopyTest, public ::testing::WithParamInterface<size_t> {
+class ChunkedCopiesStopped : public ChunkedCopyTest,
+                             public ::testing::WithParamInterface<std::tuple<size_t, bool>> {
  protected:
   static constexpr uint64_t kSize = (1 << 20) + 3;
 };
 
 TEST_P(ChunkedCopiesStopped, BeforeAUnitLeaveExactlyTheUnitsBeforeIt) {
-  stopBeforeUnit = GetParam();
+  std::tie(stopBeforeUnit, insideSystem) = GetParam();
   run(kSize);
   EXPECT_EQ(result.end, End::Stopped);
   EXPECT_FALSE(result.error);
@@ -45,7 +49,7 @@ TEST_P(ChunkedCopiesStopped, BeforeAUnitLeaveExactlyTheUnitsBeforeIt) {
 }
 
 TEST_P(ChunkedCopiesStopped, AfterAUnitLeaveExactlyTheUnitsUpToIt) {
-  stopAfterUnit = GetParam();
+  std::tie(stopAfterUnit, insideSystem) = GetParam();
   run(kSize);
   EXPECT_EQ(result.end, End::Stopped);
   EXPECT_FALSE(result.error);
@@ -56,7 +60,8 @@ TEST_P(ChunkedCopiesStopped, AfterAUnitLeaveExactlyTheUnitsUpToIt) {
 
 // 64 units are one block: the first and last units of blocks are where a stop meets the physical reads.
 INSTANTIATE_TEST_SUITE_P(AtUnit, ChunkedCopiesStopped,
-                         ::testing::Values(1, 2, 63, 64, 65, 66, 128, 129, 256, 257));
+                         ::testing::Combine(::testing::Values(1, 2, 63, 64, 65, 66, 128, 129, 256, 257),
+                                            ::testing::Bool()));
 
 TEST_F(ChunkedCopies, OfAnEmptyFileNeitherAskNorReadNorWrite) {
   stopBeforeUnit = 1;
@@ -98,6 +103,54 @@ TEST_F(ChunkedCopies, CopyOnlyTheBeginningOfALongerSource) {
   run(kCopyUnit + 1);
   EXPECT_EQ(result.end, End::Complete);
   expectPrefix(kCopyUnit + 1, whole);
+}
+
+TEST_F(ChunkedCopies, InsideTheSystemFailAtTheEndOfASourceThatHasShrunk) {
+  std::string whole = bytesOf(sandbox.patternFile("source", 2 * kBlock + 5000));
+  insideSystem = true;
+  run(3 * kBlock);
+  EXPECT_EQ(result.end, End::Failed);
+  EXPECT_EQ(result.error.value().systemNumber, ENODATA);
+  expectPrefix(whole.size(), whole);
+}
+
+/// A file that the system fills itself only up to a size that fits nothing.
+class PartlyInside final : public FileHandle {
+ public:
+  PartlyInside(std::unique_ptr<FileHandle> real, size_t limit) : real_(std::move(real)), left_(limit) {}
+  FileResult<size_t> read(void* buffer, size_t size) override { return real_->read(buffer, size); }
+  WriteOutcome write(const void* buffer, size_t size) override { return real_->write(buffer, size); }
+  size_t copyFrom(FileHandle& source, size_t size) override {
+    size_t moved = real_->copyFrom(source, std::min({size, left_, size_t{3000}}));
+    left_ -= moved;
+    return moved;
+  }
+  FileStatus truncate(uint64_t size) override { return real_->truncate(size); }
+  FileStatus sync() override { return real_->sync(); }
+  FileStatus close() override { return real_->close(); }
+
+ private:
+  const std::unique_ptr<FileHandle> real_;
+  size_t left_;
+};
+
+TEST_F(ChunkedCopies, ReadAndWriteWhatTheSystemDoesNotMoveItself) {
+  const uint64_t size = 2 * kBlock + 77;
+  for (size_t limit : {size_t{0}, size_t{1}, size_t{5000}, size_t{kBlock + 10'000}}) {
+    std::string whole = bytesOf(sandbox.patternFile("source", size));
+    auto from = posixFileSystem()->openForReading(source);
+    PartlyInside to(std::move(*posixFileSystem()->createFile(copy)), limit);
+    std::vector<uint64_t> counts;
+    result = copyInChunks(
+        **from, to, size, [] { return true; },
+        [&](uint64_t copied) {
+          counts.push_back(copied);
+          return true;
+        });
+    EXPECT_EQ(result.end, End::Complete);
+    expectPrefix(size, whole);
+    EXPECT_EQ(counts.size(), unitsOf(size)) << limit;
+  }
 }
 
 /// Gives out a file in pieces of a size that fits nothing, and may end early.

@@ -47,6 +47,33 @@ class FileHandles : public ::testing::Test {
   FileSystem& files = *posixFileSystem();
 };
 
+TEST_F(FileHandles, CopyFromEachOtherAtTheirPositions) {
+  sandbox.file("source", "0123456789");
+  auto source = opened(sandbox.at("source"));
+  auto copy = created(sandbox.at("copy"));
+  char digit;
+  EXPECT_EQ(*source->read(&digit, 1), 1u);
+  EXPECT_EQ(copy->write("x", 1).written, 1u);
+  EXPECT_EQ(copy->copyFrom(*source, 4), 4u);
+  EXPECT_EQ(copy->copyFrom(*source, 100), 5u);
+  EXPECT_EQ(copy->copyFrom(*source, 100), 0u) << "at the end";
+  EXPECT_FALSE(copy->write("y", 1).error);
+  EXPECT_EQ(bytesOf(sandbox.at("copy")), "x123456789y");
+  EXPECT_EQ(source->copyFrom(*copy, 1), 0u) << "into a file that is only read";
+}
+
+TEST_F(FileHandles, AreMadeNewOnlyWhereNothingIs) {
+  EXPECT_TRUE(files.createNewFile(sandbox.at("new")));
+  sandbox.file("old", "old");
+  sandbox.folder("folder");
+  link("dangling", "nowhere");
+  for (const char* name : {"old", "folder", "dangling", "new"})
+    expectFailure(files.createNewFile(sandbox.at(name)), EEXIST, FileError::Action::Writing);
+  expectFailure(files.createNewFile(sandbox.at("missing/file")), ENOENT, FileError::Action::Writing);
+  EXPECT_EQ(bytesOf(sandbox.at("old")), "old");
+  EXPECT_FALSE(exists(sandbox.at("nowhere")));
+}
+
 TEST_F(FileHandles, WriteANewFileThatIsReadBackFromItsFirstByte) {
   auto writer = created(sandbox.at("file"));
   EXPECT_EQ(writer->write("hello ", 6).written, 6u);

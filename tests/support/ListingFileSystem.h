@@ -32,6 +32,9 @@ class ListingFileSystem final : public FileSystem {
   }
   FileResult<VolumeSpace> space(const std::string& path) override { return real_->space(path); }
   FileStatus createFolders(const std::string& folder) override { return real_->createFolders(folder); }
+  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) override {
+    return real_->createNewFile(path);
+  }
   FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
     return real_->createFile(path);
   }

@@ -121,6 +121,12 @@ FileResult<std::unique_ptr<FileHandle>> FaultyFileSystem::createFile(const std::
   return wrapped(*this, real_->createFile(path), path);
 }
 
+FileResult<std::unique_ptr<FileHandle>> FaultyFileSystem::createNewFile(const std::string& path) {
+  if (int number = faultOf(FileCall::CreateFile, path))
+    return faultAt(number, FileError::Action::Writing, path);
+  return wrapped(*this, real_->createNewFile(path), path);
+}
+
 FileResult<std::unique_ptr<FileHandle>> FaultyFileSystem::openForReading(const std::string& path) {
   if (int number = faultOf(FileCall::OpenForReading, path))
     return faultAt(number, FileError::Action::Reading, path);

@@ -54,6 +54,7 @@ class FaultyFileSystem final : public FileSystem {
   FileResult<std::vector<DirectoryEntry>> list(const std::string& folder) override;
   FileStatus createFolders(const std::string& folder) override;
   FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override;
+  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) override;
   FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override;
   FileStatus move(const std::string& from, const std::string& to) override;
   FileStatus replace(const std::string& from, const std::string& to) override;
@@ -93,6 +94,9 @@ class MappedFileSystem final : public FileSystem {
     return real_->list(real(folder));
   }
   FileStatus createFolders(const std::string& folder) override { return real_->createFolders(real(folder)); }
+  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) override {
+    return real_->createNewFile(real(path));
+  }
   FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
     return real_->createFile(real(path));
   }

@@ -8,6 +8,7 @@
 #include <cerrno>
 #include <limits>
 
+#include "CopyRange.h"
 #include "Retry.h"
 
 namespace umsservice {
@@ -35,13 +36,15 @@ FileResult<size_t> PosixFileHandle::read(void* buffer, size_t size) {
   return static_cast<size_t>(length);
 }
 
-WriteOutcome PosixFileHandle::write(const void* buffer, size_t size) {
+uint64_t PosixFileHandle::room() {
   if (!sizeLimit_) sizeLimit_ = processFileSizeLimit();
+  return *sizeLimit_ - std::min(*sizeLimit_, position_);
+}
+
+WriteOutcome PosixFileHandle::write(const void* buffer, size_t size) {
   WriteOutcome outcome;
   while (outcome.written < size) {
-    // Writing at the limit itself would raise SIGXFSZ in the host's process.
-    uint64_t room = *sizeLimit_ - std::min(*sizeLimit_, position_);
-    size_t part = static_cast<size_t>(std::min<uint64_t>(size - outcome.written, room));
+    size_t part = static_cast<size_t>(std::min<uint64_t>(size - outcome.written, room()));
     if (part == 0) {
       outcome.error = failure(FileError::Action::Writing, EFBIG);
       return outcome;
@@ -56,6 +59,16 @@ WriteOutcome PosixFileHandle::write(const void* buffer, size_t size) {
     position_ += static_cast<uint64_t>(length);
   }
   return outcome;
+}
+
+size_t PosixFileHandle::copyFrom(FileHandle& source, size_t size) {
+  auto* file = dynamic_cast<PosixFileHandle*>(&source);
+  auto part = static_cast<size_t>(std::min<uint64_t>(size, room()));
+  if (!file || part == 0) return 0;
+  ssize_t length = retried([&] { return copyRange(file->descriptor_, descriptor_, part); });
+  if (length <= 0) return 0;
+  position_ += static_cast<uint64_t>(length);
+  return static_cast<size_t>(length);
 }
 
 FileStatus PosixFileHandle::truncate(uint64_t size) {

@@ -15,11 +15,14 @@ class PosixFileHandle final : public FileHandle {
 
   FileResult<size_t> read(void* buffer, size_t size) override;
   WriteOutcome write(const void* buffer, size_t size) override;
+  size_t copyFrom(FileHandle& source, size_t size) override;
   FileStatus truncate(uint64_t size) override;
   FileStatus sync() override;
   FileStatus close() override;
 
  private:
+  /// Bytes that may still be written; writing at the limit itself would raise SIGXFSZ in the host's process.
+  uint64_t room();
   FileError failure(FileError::Action action, int number) const { return FileError{number, action, path_}; }
 
   int descriptor_;

@@ -139,14 +139,18 @@ class PosixFileSystem final : public FileSystem {
   }
 
   FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
+    auto created = createNewFile(path);
+    if (created || created.error().systemNumber != EEXIST) return created;
+    return openRegular(path, O_WRONLY | O_TRUNC | O_NOFOLLOW, Action::Writing);
+  }
+
+  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) override {
     if (!isUsablePath(path)) return FileError{EINVAL, Action::Writing, path};
     // What this call itself makes is a regular file for certain; nothing more needs to be looked at.
     constexpr int kNewFile = O_WRONLY | O_CREAT | O_EXCL | O_NOFOLLOW | kCareful;
     int descriptor = retried([&] { return ::open(path.c_str(), kNewFile, 0666); });
-    if (descriptor >= 0)
-      return std::unique_ptr<FileHandle>(std::make_unique<PosixFileHandle>(descriptor, path));
-    if (errno != EEXIST) return FileError{errno, Action::Writing, path};
-    return openRegular(path, O_WRONLY | O_TRUNC | O_NOFOLLOW, Action::Writing);
+    if (descriptor < 0) return FileError{errno, Action::Writing, path};
+    return std::unique_ptr<FileHandle>(std::make_unique<PosixFileHandle>(descriptor, path));
   }
 
   FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override {

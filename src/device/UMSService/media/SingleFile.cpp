@@ -98,13 +98,17 @@ std::optional<FileOutcome> SingleFile::refusal(const Manner& manner, const std::
 
 std::optional<FileOutcome> SingleFile::openBoth(const Manner& manner, const std::string& srcPath,
                                                 const std::string& destPath, Pair& pair) const {
-  std::string folder = stringByDeletingLastPathComponent(destPath);
-  std::string words;
-  if (manner.makesFolder && (folder.empty() || !folders_.createFolder(folder, &words))) {
-    return FileOutcome{.errorNumber = kErrorCreateFolderFailed, .reason = words};
+  const std::string folder = stringByDeletingLastPathComponent(destPath);
+  if (manner.makesFolder && folder.empty()) return FileOutcome{.errorNumber = kErrorCreateFolderFailed};
+  // A failing device can hide a file for a moment; what it hid must not be emptied.
+  auto destination = files_.createNewFile(destPath);
+  if (!destination && manner.makesFolder) {
+    // Only now: most often the folder is there, and a look at it for each of many small files takes time.
+    std::string words;
+    if (!folders_.createFolder(folder, &words))
+      return FileOutcome{.errorNumber = kErrorCreateFolderFailed, .reason = words};
+    if (destination.error().systemNumber == ENOENT) destination = files_.createNewFile(destPath);
   }
-  auto existing = whyNotNew(destPath);
-  auto destination = existing ? *existing : files_.createFile(destPath);
   if (!destination) {
     context_.log.write(3, manner.method, "createFileAtPath Fail!");
     return FileOutcome{.reason = destination.error().words()};
@@ -117,16 +121,6 @@ std::optional<FileOutcome> SingleFile::openBoth(const Manner& manner, const std:
   }
   pair = {std::move(*source), std::move(*destination)};
   return std::nullopt;
-}
-
-/// A failing device can hide a file for a moment, and making a file empties what is there: it must be known
-/// that nothing is.
-std::optional<FileError> SingleFile::whyNotNew(const std::string& path) const {
-  auto existing = files_.linkAttributes(path);
-  if (existing) return FileError{EEXIST, FileError::Action::Writing, path};
-  int reason = existing.error().systemNumber;
-  if (reason == ENOENT) return std::nullopt;
-  return FileError{reason, FileError::Action::Writing, path};
 }
 
 FileOutcome SingleFile::copyBytes(const Manner& manner, uint32_t serviceID, Pair& pair, uint64_t size,

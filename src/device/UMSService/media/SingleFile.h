@@ -64,7 +64,6 @@ class SingleFile {
   FileOutcome copyBytes(const Manner& manner, uint32_t serviceID, Pair& pair, uint64_t size,
                         OVUmsDeviceNotifier& notifier) const;
   FileOutcome exception(const Manner& manner, const FileError& error, uint64_t bytes) const;
-  std::optional<FileError> whyNotNew(const std::string& path) const;
   FileOutcome removeSource(const std::string& srcPath, FileOutcome copied) const;
 
   const ServiceContext& context_;
