@@ -202,6 +202,36 @@ TEST_F(PodcastFallOverAlone, PassesOverAChannelWithoutEpisodes) {
   });
 }
 
+/// The fall-over as hosts can ask for it, counted on a notifier of their own.
+class PodcastFallOverOfAHost : public PodcastTest {
+ protected:
+  int32_t place(const MaybeDictionary& podcast, uint32_t index) {
+    return service->syncUmsPodcastFile(7, index, kMediaPodcast, podcast, &notifier);
+  }
+  OVUmsDeviceNotifier notifier{
+      surroundings.environment, "location-1", "location-1", 7, kMediaPodcast, "Pocket One", 0, 2, 16};
+};
+
+TEST_F(PodcastFallOverOfAHost, PutsTheChannelOntoAVolumeBehindAndCountsOnTheGivenNotifier) {
+  EXPECT_EQ(place(channel("News", {episode("1.mp3"), missing("2.mp3")}), 0),
+            static_cast<int32_t>(kErrorAttributesUnreadable));
+  EXPECT_EQ(fieldOf(service->checkXmlData(card + "/Podcast/News", "News"), "FilePath"),
+            (Texts{"1.mp3", "2.mp3"}));
+  EXPECT_EQ(treeOf(internal), Texts{});
+  EXPECT_EQ(numbers(results(), key::kVolumeIndex), (std::vector<uint32_t>{1, 1}));
+  EXPECT_EQ(numbers(progress(), key::kTransferStatus).back(), kTransferFinished);
+  EXPECT_EQ(items.outcomes().size(), 2u);
+}
+
+TEST_F(PodcastFallOverOfAHost, IsRefusedWithoutChannelVolumeOrNotifier) {
+  EXPECT_EQ(place(std::nullopt, 0), static_cast<int32_t>(kErrorInvalidInput));
+  EXPECT_EQ(place(channel("News", {}), 2), static_cast<int32_t>(kErrorInvalidInput));
+  EXPECT_EQ(service->syncUmsPodcastFile(7, 0, kMediaPodcast, channel("News", {}), nullptr),
+            static_cast<int32_t>(kErrorInvalidInput));
+  EXPECT_EQ(place(channel("News", {episode("1.mp3")}), 1), static_cast<int32_t>(kErrorNone));
+  EXPECT_EQ(treeOf(card), Texts{});
+}
+
 /// By the rules of the host, a fall-over stays on the failed volume's path with the candidate's folder.
 class PodcastFallOverByHostRules : public PodcastFallOver {
  protected:

@@ -184,6 +184,52 @@ TEST_F(PodcastSync, CountsChannelsThatAreNoneOrHaveNoName) {
   }
 }
 
+TEST_F(PodcastSync, KeepsTheFirstOfTwoFilesOfOneNameAndListsBothEpisodes) {
+  Dictionary twin = episode("1.mp3", "first");
+  Dictionary other{{"Url", "http://host/other"},
+                   {"Length", 6},
+                   {key::kFilePath, sandbox.file("elsewhere/1.mp3", "second")}};
+  ASSERT_TRUE(sync({channel("News", {twin, other})}));
+  EXPECT_EQ(bytesOf(podcasts + "/News/1.mp3"), "first");
+  EXPECT_EQ(listed("News"), (Texts{"1.mp3", "other"}));
+  EXPECT_EQ(outcomes(), (Texts{"0 done $/in/1.mp3 0x00000000", "1 skipped $/elsewhere/1.mp3 0x21000002"}));
+}
+
+TEST_F(PodcastSync, PutsTwoChannelsWhoseTitlesCleanToOneNameTogether) {
+  ASSERT_TRUE(sync({channel("A/B", {episode("1.mp3")}), channel("A:B", {episode("2.mp3")})}));
+  EXPECT_EQ(treeOf(podcasts), (Texts{"A_B/", "A_B/1.mp3", "A_B/2.mp3", "A_B/A_B.xml"}));
+  EXPECT_EQ(listed("A_B"), (Texts{"1.mp3", "2.mp3"}));
+}
+
+/// A length says whether a channel fits, and nothing else.
+TEST_F(PodcastSync, BelievesALengthThatLiesOnlyAsToWhetherTheChannelFits) {
+  auto lying = [this](const std::string& name, const Value& length) {
+    Dictionary episode = PodcastTest::episode(name);
+    episode.set("Length", length);
+    return episode;
+  };
+  ASSERT_TRUE(sync({channel("News", {lying("1.mp3", "text"), lying("2.mp3", ""), lying("3.mp3", 1)})}));
+  EXPECT_EQ(listed("News"), (Texts{"1.mp3", "2.mp3", "3.mp3"}));
+  EXPECT_EQ(bytesOf(podcasts + "/News/1.mp3"), "la la la");
+  service->removeDiskInformation(service->diskInfoFromIndex(1));
+  // Taken as a signed number, -1 is more than every volume holds.
+  EXPECT_FALSE(sync({channel("Arts", {lying("4.mp3", "-1")})}));
+  EXPECT_FALSE(exists(podcasts + "/Arts"));
+  EXPECT_EQ(outcomes().back(), "0 failed $/in/4.mp3 0x1000000a");
+}
+
+TEST_F(PodcastSync, TakesALengthLargerThanTheVolumeForAChannelThatDoesNotFit) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume small(internal, 256 * 1024);
+  Dictionary boasting = episode("1.mp3");
+  boasting.set("Length", "99999999999999");
+  ASSERT_TRUE(sync({channel("News", {boasting})}));
+  EXPECT_EQ(treeOf(internal), Texts{});
+  EXPECT_TRUE(exists(card + "/Podcast/News/1.mp3"));
+  EXPECT_EQ(fieldOf(service->checkXmlData(card + "/Podcast/News", "News"), "Length"),
+            Texts{"99999999999999"});
+}
+
 TEST_F(PodcastSync, RefusesOtherMediaAndADeviceWithoutThatVolume) {
   _serviceinfo record = request({channel("News", {episode("1.mp3")})});
   record.mediaType = kMediaVideo;
