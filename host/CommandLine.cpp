@@ -10,6 +10,7 @@
 #include "commands/Folders.h"
 #include "commands/Push.h"
 #include "commands/Tree.h"
+#include "podcast/PodcastLine.h"
 
 namespace umsctl {
 namespace {
@@ -174,6 +175,7 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   Command chosen;
   for (auto add : {addPush, addDf, addTree, addMkdir, addRmdir}) add(app, chosen);
+  addPodcast(app, chosen, {addVolumes, addOnConflict});
 
   try {
     app.parse(forParser(arguments));

@@ -12,6 +12,8 @@
 #include <utility>
 
 #include "ExitStatus.h"
+#include "Output.h"
+#include "Terminal.h"
 
 namespace umsctl {
 namespace {
@@ -107,6 +109,11 @@ void Interrupt::waitForSignal() {
   pollfd pipeEnd{readDescriptor, POLLIN, 0};
   while (::poll(&pipeEnd, 1, -1) < 0 && errno == EINTR) continue;
   settle();
+}
+
+void answerInterrupt(const std::string& what) {
+  printToError(std::string(canRedrawError() ? kEraseLine : "") + "umsctl: " + what +
+               "; once more to stop at once\n");
 }
 
 }  // namespace umsctl

@@ -6,6 +6,7 @@
 
 #include <functional>
 #include <mutex>
+#include <string>
 #include <thread>
 
 namespace umsctl {
@@ -35,5 +36,23 @@ class Interrupt {
   std::function<void()> action_;
   std::thread waiter_;
 };
+
+/// What an interrupt does for as long as this lives.
+class InterruptAction {
+ public:
+  InterruptAction(Interrupt& interrupt, std::function<void()> action) : interrupt_(interrupt) {
+    interrupt_.setAction(std::move(action));
+  }
+  ~InterruptAction() { interrupt_.setAction(nullptr); }
+  InterruptAction(const InterruptAction&) = delete;
+  InterruptAction& operator=(const InterruptAction&) = delete;
+
+ private:
+  Interrupt& interrupt_;
+};
+
+/// Tells the person that an interrupt has been heard. Straight to the terminal: the display may be waiting
+/// for a reader that has stopped reading.
+void answerInterrupt(const std::string& what);
 
 }  // namespace umsctl

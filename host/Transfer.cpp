@@ -3,33 +3,12 @@
 #include "Output.h"
 #include "Refusal.h"
 #include "RunningRequest.h"
-#include "Terminal.h"
 #include "TransferReport.h"
 
 namespace umsctl {
 namespace {
 
 using umsservice::ItemOutcome;
-
-/// What Ctrl-C does for as long as this lives.
-class InterruptAction {
- public:
-  InterruptAction(Interrupt& interrupt, std::function<void()> action) : interrupt_(interrupt) {
-    interrupt_.setAction(std::move(action));
-  }
-  ~InterruptAction() { interrupt_.setAction(nullptr); }
-  InterruptAction(const InterruptAction&) = delete;
-  InterruptAction& operator=(const InterruptAction&) = delete;
-
- private:
-  Interrupt& interrupt_;
-};
-
-/// Straight to the terminal: the display may be waiting for a reader that has stopped reading.
-void answerInterrupt(const std::string& what) {
-  printToError(std::string(canRedrawError() ? kEraseLine : "") + "umsctl: " + what +
-               "; once more to stop at once\n");
-}
 
 }  // namespace
 

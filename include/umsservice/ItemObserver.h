@@ -21,7 +21,9 @@ struct ItemOutcome {
   };
 
   uint32_t serviceID = 0;
-  size_t index = 0;  ///< 0-based position in the request's list
+  /// 0-based position in the request's list. For podcasts the number of the episode, counted through all
+  /// channels; an element of the list that is no channel counts as one.
+  size_t index = 0;
   Kind kind = Kind::Done;
   MaybeString path;          ///< the item's "FilePath"
   MaybeString destPath;      ///< where it was to go, when that was known

@@ -281,6 +281,10 @@ class UMSService final : public OVFileService, public TransferCallback {
   bool podcastXmlLists(uint32_t unused, const MaybeString& fileName, MaybeArray* contents);
   /// A channel as its index file has it, with paths relative to the channel's folder; nil without one.
   MaybeDictionary checkXmlData(const MaybeString& channelFolder, const MaybeString& channelName);
+  /// Writes the bytes of a document as the index of a channel, whole or not at all; null is no document. The
+  /// first argument is not used.
+  bool sendXmlData(uint32_t unused, const std::shared_ptr<const Data>& xmlDocument,
+                   const MaybeString& filePath, const MaybeString& podcastName);
   /// Makes the path of every episode full, in place; paths that begin with the folder stay.
   void makeEpisodeFullPath(const MaybeDictionary& podcast, const MaybeString& podcastChannelName);
   /// The channel that the bytes of an index hold, with the folder in front of every path; nil for no index.
@@ -295,6 +299,10 @@ class UMSService final : public OVFileService, public TransferCallback {
   /// The long operations; each runs the whole request on the calling thread.
   bool doCopyPodcastContents(const _serviceinfo& serviceInfo);
   bool doSyncPodcastContents(const _serviceinfo& serviceInfo);
+  /// Tries one channel of a sync on the volumes behind the given one; 0 when all went well and when nothing
+  /// was tried, otherwise the last error number.
+  int32_t syncUmsPodcastFile(uint32_t serviceID, uint32_t index, uint32_t mediaType,
+                             const MaybeDictionary& podcastInfo, OVUmsDeviceNotifier* context);
   bool doDeletePodcastContents(const _serviceinfo& serviceInfo);
   bool doDeviceToDevicePodcast(const _serviceinfo& serviceInfo);
 

@@ -62,6 +62,12 @@ int takeWritten(void* context, const char* bytes, int length) {
   return length;
 }
 
+/// The same for a run of printable ASCII characters, which most texts consist of.
+size_t plainAtStart(std::string_view text) {
+  auto isPlain = [](char character) { return character >= ' ' && character <= '~'; };
+  return static_cast<size_t>(std::find_if_not(text.begin(), text.end(), isPlain) - text.begin());
+}
+
 }  // namespace
 
 std::string XMLElement::name() const {
@@ -112,9 +118,10 @@ std::string XMLDocument::legalText(std::string_view text) {
   std::string legal;
   legal.reserve(text.size());
   while (!text.empty()) {
-    size_t length = legalAtStart(text);
+    size_t plain = plainAtStart(text);
+    size_t length = plain > 0 ? plain : legalAtStart(text);
     legal.append(text.substr(0, length));
-    text.remove_prefix(length == 0 ? 1 : length);
+    text.remove_prefix(std::max<size_t>(length, 1));
   }
   return legal;
 }

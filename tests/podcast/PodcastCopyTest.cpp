@@ -53,6 +53,19 @@ TEST_F(PodcastCopy, RunsFromTheQueueWithAResultForTheRequest) {
   EXPECT_EQ(numbers(results(), key::kVolumeIndex), (std::vector<uint32_t>{1}));
 }
 
+TEST_F(PodcastCopy, BringsAChannelFromTheDeviceToTheComputerToo) {
+  copy({channel("News", {episode("1.mp3", "one")})});
+  notifications.clear();
+  std::string folder = sandbox.folder("computer");
+  MaybeDictionary news = service->umsPodcastXmlData(podcasts + "/News/News.xml");
+  ASSERT_TRUE(service->copyContentsDeviceToMac(9, Array{*news}, folder, kMediaPodcast, std::nullopt));
+  ASSERT_TRUE(notifications.waitFor(kMediaResultNotification));
+  std::lock_guard untilTheRunIsOver(service->synchronizedSection());
+  EXPECT_EQ(treeOf(folder), (Texts{"News/", "News/1.mp3", "News/News.xml"}));
+  EXPECT_EQ(bytesOf(folder + "/News/News.xml"), bytesOf(podcasts + "/News/News.xml"));
+  EXPECT_EQ(notifications.count(kUmsResultNotification), 0u);
+}
+
 TEST_F(PodcastCopy, LeavesTheHostsDictionariesAsTheyAre) {
   Dictionary one = episode("1.mp3");
   Dictionary news = channel("News", {one});

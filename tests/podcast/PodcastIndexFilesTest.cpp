@@ -106,6 +106,20 @@ TEST_F(PodcastIndexFiles, ReplaceAnIndexAndKeepWhatIsNone) {
   EXPECT_EQ(writtenIndex(), document.bytes());
 }
 
+TEST_F(PodcastIndexFiles, AreWrittenFromTheBytesOfADocumentToo) {
+  const std::string text = "<channel><Title>bytes</Title></channel>";
+  auto document = std::make_shared<Data>();
+  for (char c : text) document->push_back(static_cast<std::byte>(c));
+  EXPECT_TRUE(service->sendXmlData(0, document, folder, "News"));
+  EXPECT_EQ(writtenIndex(), text);
+  expectLine(surroundings, 3, kSend, "Input parameter is invalid. xmlData = 0x0, filePath = <address>",
+             [&] { EXPECT_FALSE(service->sendXmlData(0, nullptr, folder, "News")); });
+  EXPECT_FALSE(service->sendXmlData(0, document, std::nullopt, "News"));
+  service->disconnectDevice("location-1");
+  EXPECT_FALSE(service->sendXmlData(0, document, folder, "Late"));
+  EXPECT_EQ(treeOf(folder), Texts{"News.xml"});
+}
+
 TEST_F(PodcastIndexFiles, AreFoundAtEveryDepthInAnyLetterCase) {
   for (const char* name : {"news.XML", "a/b.xml", "c.Xml", "d.xmlx", "a/e/f.xml.damaged", ".g.xml"})
     sandbox.file("lists/" + std::string(name), "");

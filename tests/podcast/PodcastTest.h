@@ -90,10 +90,9 @@ class PodcastTest : public DeviceTest {
   }
   /// Runs something when the first notification of a name comes.
   void once(const std::string& name, std::function<void()> action) {
-    notifications.onEach([name, action, done = false](const Notification& posted) mutable {
-      if (done || posted.name != name) return;
-      done = true;
-      action();
+    auto done = std::make_shared<bool>(false);
+    notifications.onEach([name, action, done](const Notification& posted) {
+      if (posted.name == name && !std::exchange(*done, true)) action();
     });
   }
 };

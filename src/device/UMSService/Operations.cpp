@@ -43,6 +43,17 @@ bool Operations::doSyncPodcastContents(const _serviceinfo& serviceInfo) {
   return PodcastSync(podcasts_, serviceInfo).run();
 }
 
+uint32_t Operations::syncUmsPodcastFile(uint32_t serviceID, uint32_t index, uint32_t mediaType,
+                                        const MaybeDictionary& podcastInfo, OVUmsDeviceNotifier& notifier) {
+  _serviceinfo request;
+  request.serviceID = serviceID;
+  request.command = kCommandSyncContents;
+  request.mediaType = mediaType;
+  request.contents = Array{podcastInfo ? Value(*podcastInfo) : Value()};
+  PodcastRun run(podcasts_, request, notifier);
+  return PodcastFallOver(podcasts_, run, request).place(run.channels().front(), index);
+}
+
 bool Operations::doDeviceToDevicePodcast(const _serviceinfo& serviceInfo) {
   return PodcastDeviceToDevice(podcasts_, serviceInfo).run();
 }

@@ -21,6 +21,10 @@ class Operations final : public LongOperations {
   bool doDeviceToDevcieContents(const _serviceinfo& serviceInfo) override;
   bool doDeviceToDevicePodcast(const _serviceinfo& serviceInfo) override;
 
+  /// One channel of a sync on the volumes behind the given one, counted on a notifier of the caller's.
+  uint32_t syncUmsPodcastFile(uint32_t serviceID, uint32_t index, uint32_t mediaType,
+                              const MaybeDictionary& podcastInfo, OVUmsDeviceNotifier& notifier);
+
  private:
   MediaTools& media_;
   PodcastTools& podcasts_;

@@ -534,6 +534,11 @@ MaybeDictionary UMSService::checkXmlData(const MaybeString& channelFolder, const
   return rooms()->podcasts.indexes.checkXmlData(channelFolder, channelName);
 }
 
+bool UMSService::sendXmlData(uint32_t, const std::shared_ptr<const Data>& xmlDocument,
+                             const MaybeString& filePath, const MaybeString& podcastName) {
+  return rooms()->podcasts.indexes.sendXmlData(xmlDocument, filePath, podcastName);
+}
+
 void UMSService::makeEpisodeFullPath(const MaybeDictionary& podcast, const MaybeString& podcastChannelName) {
   if (podcast) PodcastIndexFiles::makeEpisodeFullPath(*podcast, podcastChannelName);
 }
@@ -566,6 +571,13 @@ bool UMSService::doCopyPodcastContents(const _serviceinfo& serviceInfo) {
 
 bool UMSService::doSyncPodcastContents(const _serviceinfo& serviceInfo) {
   return rooms()->operations.doSyncPodcastContents(serviceInfo);
+}
+
+int32_t UMSService::syncUmsPodcastFile(uint32_t serviceID, uint32_t index, uint32_t mediaType,
+                                       const MaybeDictionary& podcastInfo, OVUmsDeviceNotifier* context) {
+  if (!context) return static_cast<int32_t>(kErrorInvalidInput);
+  return static_cast<int32_t>(
+      rooms()->operations.syncUmsPodcastFile(serviceID, index, mediaType, podcastInfo, *context));
 }
 
 bool UMSService::doDeletePodcastContents(const _serviceinfo& serviceInfo) {

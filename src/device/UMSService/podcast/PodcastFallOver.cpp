@@ -1,6 +1,7 @@
 #include "PodcastFallOver.h"
 
 #include "umsservice/ErrorNumbers.h"
+#include "umsservice/Notifications.h"
 
 namespace umsservice {
 namespace {
@@ -19,6 +20,7 @@ uint32_t PodcastFallOver::place(const PodcastChannel& channel, uint32_t failedIn
     run_.ledger().settle(channel, {ItemOutcome::Kind::Failed, kErrorInvalidInput});
     return kErrorInvalidInput;
   }
+  rememberPaths(channel);
   const uint32_t before = run_.error();
   run_.setError(kErrorNone);
   Step step = Step::NextVolume;
@@ -47,6 +49,22 @@ bool PodcastFallOver::isPossible(const PodcastChannel& channel, uint32_t failedI
   return false;
 }
 
+/// A sync leaves bare names in the host's episodes; a further volume needs the full paths once more.
+void PodcastFallOver::rememberPaths(const PodcastChannel& channel) {
+  paths_.clear();
+  if (!channel.episodes) return;
+  for (const Value& element : *channel.episodes) {
+    auto episode = element.dictionary();
+    paths_.push_back(episode ? episode->get(key::kFilePath) : Value());
+  }
+}
+
+void PodcastFallOver::restorePaths(const PodcastChannel& channel) const {
+  for (size_t i = 0; i < paths_.size(); ++i) {
+    if (auto episode = (*channel.episodes)[i].dictionary()) episode->set(key::kFilePath, paths_[i]);
+  }
+}
+
 PodcastFallOver::Step PodcastFallOver::tryVolume(const PodcastChannel& channel, uint32_t failedIndex,
                                                  uint32_t index) {
   const PlacementRules& placement = *context_.environment.placementRules;
@@ -70,6 +88,7 @@ PodcastFallOver::Step PodcastFallOver::tryVolume(const PodcastChannel& channel, 
   }
   auto place = run_.placeOf(channel, podcastFolder);
   if (!place) return Step::NextVolume;
+  restorePaths(channel);
   run_.ledger().attempt(channel);
   PodcastChannelSync sync(tools_, run_, request_.serviceID, kManner);
   auto end = sync.sync(channel, *place, placement.fallOverFolder(*podcastFolder, *folder));

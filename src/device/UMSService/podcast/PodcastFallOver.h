@@ -24,12 +24,15 @@ class PodcastFallOver {
   enum class Step { NextVolume, Finished };
 
   bool isPossible(const PodcastChannel& channel, uint32_t failedIndex) const;
+  void rememberPaths(const PodcastChannel& channel);
+  void restorePaths(const PodcastChannel& channel) const;
   Step tryVolume(const PodcastChannel& channel, uint32_t failedIndex, uint32_t index);
 
   PodcastTools& tools_;
   const ServiceContext& context_;
   PodcastRun& run_;
   const _serviceinfo& request_;
+  std::vector<Value> paths_;  ///< of the channel's episodes, as the host gave them
   bool written_ = false;
 };
 

@@ -127,39 +127,54 @@ ChannelIndex PodcastIndexFiles::open(const QDUIPodcastXMLConverter& converter,
 
 bool PodcastIndexFiles::sendXmlData(const XMLDocument* xmlDocument, const MaybeString& filePath,
                                     const MaybeString& podcastName) const {
-  return send(xmlDocument, filePath, podcastName, [&](const std::string& path, const std::string& bytes) {
-    auto existing = readContents(files_, path, XMLDocument::kLongest);
-    bool isIndex = existing && QDUIPodcastXMLConverter::isIndex(textOf(*existing));
-    return isIndex ? replace(path, bytes) : keepAndReplace(path, bytes);
-  });
+  return send(outgoing(xmlDocument), filePath, podcastName,
+              [&](const std::string& path, const std::string& bytes) { return putIndex(path, bytes); });
+}
+
+bool PodcastIndexFiles::sendXmlData(const std::shared_ptr<const Data>& xmlDocument,
+                                    const MaybeString& filePath, const MaybeString& podcastName) const {
+  Outgoing given{xmlDocument.get(), std::nullopt};
+  if (xmlDocument) given.bytes = std::string(textOf(*xmlDocument));
+  return send(given, filePath, podcastName,
+              [&](const std::string& path, const std::string& bytes) { return putIndex(path, bytes); });
+}
+
+PodcastIndexFiles::Outgoing PodcastIndexFiles::outgoing(const XMLDocument* xmlDocument) {
+  return {xmlDocument, xmlDocument ? xmlDocument->bytes() : std::nullopt};
+}
+
+/// Any file that is no index stays beside the new one.
+bool PodcastIndexFiles::putIndex(const std::string& path, const std::string& bytes) const {
+  auto existing = readContents(files_, path, XMLDocument::kLongest);
+  bool isIndex = existing && QDUIPodcastXMLConverter::isIndex(textOf(*existing));
+  return isIndex ? replace(path, bytes) : keepAndReplace(path, bytes);
 }
 
 bool PodcastIndexFiles::write(const ChannelIndex& index, const std::string& channelFolder,
                               const std::string& channelName) const {
   bool takesOver = index.origin() == ChannelIndex::Origin::DeviceFile;
-  return send(&index.document(), channelFolder, channelName,
+  return send(outgoing(&index.document()), channelFolder, channelName,
               [&](const std::string& path, const std::string& bytes) {
                 return takesOver ? replace(path, bytes) : keepAndReplace(path, bytes);
               });
 }
 
-bool PodcastIndexFiles::send(const XMLDocument* xmlDocument, const MaybeString& filePath,
+bool PodcastIndexFiles::send(const Outgoing& outgoing, const MaybeString& filePath,
                              const MaybeString& podcastName, const Put& put) const {
   context_.log.write(7, kSendMethod, "ENTER");
-  if (!xmlDocument || !filePath || !podcastName) {
+  if (!outgoing.document || !filePath || !podcastName) {
     context_.log.write(3, kSendMethod, "Input parameter is invalid. xmlData = %p, filePath = %p",
-                       static_cast<const void*>(xmlDocument), pointerTo(filePath));
+                       outgoing.document, pointerTo(filePath));
     return false;
   }
-  std::optional<std::string> bytes = xmlDocument->bytes();
   if (context_.isReleased()) {
     context_.log.write(5, kSendMethod, "Device Disconnected - %@", context_.identity.currentLocationID());
     return false;
   }
   bool written = false;
-  if (bytes) {
+  if (outgoing.bytes) {
     MutexLock lock(writing_);
-    written = put(indexPath(*filePath, *podcastName), *bytes);
+    written = put(indexPath(*filePath, *podcastName), *outgoing.bytes);
   }
   if (!written) context_.log.write(1, kSendMethod, "XML File Create is failed. XML File Path = %@", filePath);
   context_.log.write(7, kSendMethod, "EXIT");
@@ -234,9 +249,10 @@ MaybeDictionary PodcastIndexFiles::umsPodcastXmlData(const MaybeString& path) co
     for (const Value& episode : episodesOf(*mending.podcast)) putInFront(folder, *episode.dictionary());
   }
   if (folderAnswers) {
-    send(&document, folder, channelNameOf(folder), [&](const std::string& target, const std::string& bytes) {
-      return putMended(mending, target, bytes);
-    });
+    send(outgoing(&document), folder, channelNameOf(folder),
+         [&](const std::string& target, const std::string& bytes) {
+           return putMended(mending, target, bytes);
+         });
   }
   return mending.podcast;
 }

@@ -25,6 +25,9 @@ class PodcastIndexFiles final : public PodcastSource {
   /// the service is released. A file that is no index is kept beside.
   bool sendXmlData(const XMLDocument* xmlDocument, const MaybeString& filePath,
                    const MaybeString& podcastName) const;
+  /// The same with a document's bytes, which are written as they are; null is no document.
+  bool sendXmlData(const std::shared_ptr<const Data>& xmlDocument, const MaybeString& filePath,
+                   const MaybeString& podcastName) const;
   /// Files below a folder, at any depth, whose extension is "xml" in any letter case; paths relative to it.
   bool podcastXmlLists(const MaybeString& folder, MaybeArray& contents) const override;
   /// The channel of one index file, with full paths and without the episodes whose files are gone; they leave
@@ -53,7 +56,14 @@ class PodcastIndexFiles final : public PodcastSource {
 
   std::unique_ptr<QDUIPodcastXMLConverter> newConverter(const char* method) const;
   std::optional<Reading> read(const std::string& path, const char* method) const;
-  bool send(const XMLDocument* xmlDocument, const MaybeString& filePath, const MaybeString& podcastName,
+  /// A document on its way to a file: itself, for the log, and its bytes, where it has any.
+  struct Outgoing {
+    const void* document = nullptr;
+    std::optional<std::string> bytes;
+  };
+  static Outgoing outgoing(const XMLDocument* xmlDocument);
+  bool putIndex(const std::string& path, const std::string& bytes) const;
+  bool send(const Outgoing& outgoing, const MaybeString& filePath, const MaybeString& podcastName,
             const Put& put) const;
   bool dropVanished(Mending& mending) const;
   bool isVanished(const std::string& folder, const Value& episode) const;

@@ -49,12 +49,23 @@ PodcastRun::PodcastRun(PodcastTools& tools, const _serviceinfo& request, const S
       context_(tools.context),
       request_(request),
       channels_(channelsOf(request.contents)),
-      notifier_(context_.environment, scope.srcLocationID, scope.destLocationID, request.serviceID,
-                request.mediaType, scope.deviceName, scope.storageIndex, scope.episodes, scope.bytes),
+      ownNotifier_(std::make_unique<OVUmsDeviceNotifier>(
+          context_.environment, scope.srcLocationID, scope.destLocationID, request.serviceID,
+          request.mediaType, scope.deviceName, scope.storageIndex, scope.episodes, scope.bytes)),
+      notifier_(*ownNotifier_),
       converter_(context_.log),
       ledger_(context_, request.serviceID, channels_) {
   notifier_.setCurrentTransferStatus(kTransferRunning);
 }
+
+PodcastRun::PodcastRun(PodcastTools& tools, const _serviceinfo& request, OVUmsDeviceNotifier& notifier)
+    : tools_(tools),
+      context_(tools.context),
+      request_(request),
+      channels_(channelsOf(request.contents)),
+      notifier_(notifier),
+      converter_(context_.log),
+      ledger_(context_, request.serviceID, channels_) {}
 
 bool PodcastRun::isForPodcasts(const ServiceContext& context, const _serviceinfo& request,
                                const char* method) {
@@ -85,7 +96,10 @@ bool PodcastRun::endsForRelease(const char* method) {
 
 void PodcastRun::finish() {
   ledger_.countRest({Kind::NotReached, kErrorStopped});
-  if (cancelled_) context_.cancelList.removeCancelServiceId(request_.serviceID);
+  if (!cancelled_) return;
+  // A user may have cancelled more than once; none of it is meant for a later request of the same number.
+  while (context_.cancelList.removeCancelServiceId(request_.serviceID)) {
+  }
 }
 
 std::optional<ChannelPlace> PodcastRun::placeOf(const PodcastChannel& channel,

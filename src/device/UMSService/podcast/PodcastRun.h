@@ -40,6 +40,8 @@ class PodcastRun {
   };
 
   PodcastRun(PodcastTools& tools, const _serviceinfo& request, const Scope& scope);
+  /// A part of a run whose notifier somebody else has made.
+  PodcastRun(PodcastTools& tools, const _serviceinfo& request, OVUmsDeviceNotifier& notifier);
 
   /// False, and a line, for a request that is none about podcasts.
   static bool isForPodcasts(const ServiceContext& context, const _serviceinfo& request, const char* method);
@@ -123,7 +125,8 @@ class PodcastRun {
   ServiceContext& context_;
   const _serviceinfo& request_;
   const std::vector<PodcastChannel> channels_;
-  OVUmsDeviceNotifier notifier_;
+  const std::unique_ptr<OVUmsDeviceNotifier> ownNotifier_;
+  OVUmsDeviceNotifier& notifier_;
   const QDUIPodcastXMLConverter converter_;
   EpisodeLedger ledger_;
   OverwriteConversation conversation_;

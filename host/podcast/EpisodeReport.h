@@ -1,0 +1,22 @@
+/// What is said at the end of a podcast command: each episode that failed, with its cause, then the numbers.
+#pragma once
+
+#include "Device.h"
+#include "ExitStatus.h"
+#include "Outcomes.h"
+#include "podcast/EpisodeItems.h"
+
+namespace umsctl {
+
+/// For commands that copy. Gives the exit status.
+ExitStatus reportEpisodes(Device& device, const EpisodeItems& items, const Outcomes& outcomes,
+                          bool wasCancelled);
+
+/// Why an episode failed, in words for a person.
+std::string causeOfEpisode(Device& device, const umsservice::ItemOutcome& outcome);
+
+/// Names an episode that failed on standard error; false for one that did not, or that a person cancelled.
+bool complainAbout(Device& device, const std::string& name, const std::string& objection,
+                   const umsservice::ItemOutcome& outcome);
+
+}  // namespace umsctl

@@ -1,0 +1,53 @@
+/// A command that brings episodes to a device: one request from its channels to its closing report.
+///
+/// What `Transfer` is for files: brings together the device, the display, the question about existing files,
+/// Ctrl-C and the outcomes. Used once, by the main thread.
+#pragma once
+
+#include <functional>
+
+#include "ConflictPolicy.h"
+#include "Device.h"
+#include "Interrupt.h"
+#include "Outcomes.h"
+#include "ProgressDisplay.h"
+#include "podcast/EpisodeItems.h"
+
+namespace umsctl {
+
+class PodcastTransfer {
+ public:
+  /// Throws `Refusal` for a volume that is not there.
+  PodcastTransfer(const VolumeFolders& volumes, EpisodeItems items, OnConflict onConflict);
+
+  Device& device() { return device_; }
+  /// Asked by the service about existing files.
+  const std::shared_ptr<ConflictPolicy>& policy() const { return policy_; }
+
+  /// Queues a request under the given number; false when the service refuses it.
+  using Queue = std::function<bool(uint32_t serviceID, const umsservice::Array& channels)>;
+
+  /// Queues, shows the progress, waits for the end, has the device keep what was written below `flushed`, and
+  /// reports.
+  ExitStatus run(const Queue& queue, const std::vector<std::string>& flushed);
+
+ private:
+  void itemCounted(const umsservice::ItemOutcome& outcome);
+  void perform(const Queue& queue);
+  bool flush(const std::string& folder);
+
+  // In the order of need: the service goes first, then what its worker may still be calling.
+  const std::shared_ptr<umsservice::FileSystem> files_ = umsservice::posixFileSystem();
+  const EpisodeItems items_;
+  ProgressDisplay display_;
+  std::mutex endMutex_;
+  size_t counted_ = 0;
+  std::function<void()> end_;  ///< called once every episode has been counted
+  const std::shared_ptr<Outcomes> outcomes_;
+  Interrupt interrupt_;
+  const std::shared_ptr<ConflictPolicy> policy_;
+  Device device_;
+  bool wasCancelled_ = false;
+};
+
+}  // namespace umsctl
