@@ -31,6 +31,12 @@ bool isEnd(const Notification& notification) {
 }  // namespace
 
 struct RunningRequest::End {
+  void come() {
+    std::lock_guard lock(mutex);
+    hasCome = true;
+    changed.notify_all();
+  }
+
   std::mutex mutex;
   std::condition_variable changed;
   bool hasCome = false;
@@ -41,9 +47,7 @@ RunningRequest::RunningRequest(Device& device, ProgressDisplay& display)
   auto hear = [serviceID = serviceID_, end = end_, &display](const Notification& notification) {
     if (notification.userInfo.get(key::kServiceID).unsignedIntValue() != serviceID) return;
     if (!isEnd(notification)) return display.hear(notification);
-    std::lock_guard lock(end->mutex);
-    end->hasCome = true;
-    end->changed.notify_all();
+    end->come();
   };
   for (const char* name : {kTransferProgressNotification, kMediaResultNotification, kUmsResultNotification})
     observers_.push_back(center_.addObserver(name, hear));
@@ -51,6 +55,10 @@ RunningRequest::RunningRequest(Device& device, ProgressDisplay& display)
 
 RunningRequest::~RunningRequest() {
   for (auto observer : observers_) center_.removeObserver(observer);
+}
+
+std::function<void()> RunningRequest::ender() const {
+  return [end = end_] { end->come(); };
 }
 
 void RunningRequest::waitForEnd() {

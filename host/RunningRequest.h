@@ -3,6 +3,7 @@
 /// Listens to the request's notifications on the worker thread; the thread that made it waits for the end.
 #pragma once
 
+#include <functional>
 #include <memory>
 
 #include "Device.h"
@@ -20,6 +21,9 @@ class RunningRequest {
 
   /// The number to queue the request under; no other request of this program has it.
   uint32_t serviceID() const { return serviceID_; }
+  /// Ends the wait. Several kinds of requests have no result; the last of their items is the end. May be
+  /// called from any thread, even when the request is gone.
+  std::function<void()> ender() const;
   void waitForEnd();
 
  private:

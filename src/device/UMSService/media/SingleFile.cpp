@@ -204,6 +204,10 @@ FileOutcome SingleFile::removeInFavourOf(const std::string& srcPath, const std::
   if (source->device == existing->device && source->inode == existing->inode) {
     return {.errorNumber = kErrorFileExists};
   }
+  // Where deleting it would not make room enough, the existing file is better than none.
+  const uint64_t growth = source->size > existing->size ? source->size - existing->size : 0;
+  if (growth > 0 && context_.spaces.volumeFreeSpace(destPath) < growth)
+    return {.errorNumber = kErrorVolumeFull};
   auto opened = files_.openForReading(srcPath);
   if (!opened) {
     context_.log.write(3, kCopying.method, kHandleMessage, nullptr, nullptr);
