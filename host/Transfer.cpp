@@ -84,7 +84,14 @@ void Transfer::performAll(const std::vector<Part>& parts, const QueueOfType& que
       return queue(serviceID, contents, mediaType);
     });
   }
+  noteCancel();
+}
+
+/// An interrupt that ends a run is answered before the run says anything else.
+bool Transfer::noteCancel() {
   wasCancelled_ = interrupt_.happened();
+  if (wasCancelled_) interrupt_.settle();
+  return wasCancelled_;
 }
 
 /// Also between two requests, where there is nothing to cancel but the rest of the list.
@@ -136,10 +143,10 @@ void Transfer::performRequest(const std::vector<size_t>& positions, const Queue&
   outcomes_->beginRequest(positions, request.ender());
   // From here on an interrupt cancels this request; one that came before is not waited for.
   serviceID_ = serviceID;
-  if ((wasCancelled_ = interrupt_.happened())) return;
+  if (noteCancel()) return;
   if (!queue(serviceID, contents)) throw Refusal(ExitStatus::SomeFailed, "", "the device takes no files");
   request.waitForEnd();
-  wasCancelled_ = interrupt_.happened();
+  noteCancel();
 }
 
 ExitStatus Transfer::runDirectly(const Direct& direct, const std::string& flushed) {
@@ -149,7 +156,7 @@ ExitStatus Transfer::runDirectly(const Direct& direct, const std::string& flushe
     outcomes_->itemCounted(
         direct([this] { return !interrupt_.happened(); },
                [this](uint64_t bytes) { display_.moved(lastComponent(contents_.names.front()), bytes); }));
-    wasCancelled_ = interrupt_.happened();
+    noteCancel();
   } else {
     ItemOutcome refused;
     refused.kind = ItemOutcome::Kind::Failed;

@@ -66,6 +66,7 @@ class Transfer {
  private:
   void performAll(const std::vector<Part>& parts, const QueueOfType& queue);
   void cancel();
+  bool noteCancel();
   void performRequest(const std::vector<size_t>& positions, const Queue& queue);
   std::vector<Part> sortAll(const Sort& sort);
   ExitStatus conclude(const std::vector<std::string>& flushed);

@@ -142,5 +142,15 @@ TEST_F(Pull, EndsCleanlyInTheMiddleOfTheListWithCtrlC) {
   EXPECT_EQ(treeOf(into).size(), linesOf(ended.output).size() - 1);
 }
 
+TEST_F(Pull, LeavesNoHalfFileBehindWithCtrlC) {
+  std::string huge = hugeFile("phone/huge.mp4");
+  if (huge.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
+  RunningProgram program(pulling({huge}), {.atTerminal = true});
+  program.waitForOutput("0/1  huge.mp4");
+  program.type("\x03");
+  EXPECT_EQ(program.wait().status, 130);
+  EXPECT_TRUE(treeOf(into).empty());
+}
+
 }  // namespace
 }  // namespace umsservice::testing

@@ -1,5 +1,4 @@
 #include <sys/stat.h>
-#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include "HostTest.h"
@@ -17,14 +16,6 @@ class DirectTransfer : public HostTest {
     std::vector<std::string> arguments{command, "--internal", phone, "--card", card};
     arguments.insert(arguments.end(), more.begin(), more.end());
     return arguments;
-  }
-  /// A file that takes seconds to copy and no time to make; 0 bytes where there is no room for such a copy.
-  uint64_t makeLarge(const std::string& path) const {
-    struct statvfs space {};
-    if (statvfs(sandbox.path().c_str(), &space) != 0) return 0;
-    uint64_t size = std::min<uint64_t>(uint64_t{space.f_bavail} * space.f_frsize / 2, 8'000'000'000);
-    if (size < 500'000'000 || truncate(path.c_str(), static_cast<off_t>(size)) != 0) return 0;
-    return size;
   }
   std::string mine = sandbox.file("computer/mine.dat", "mine");
 };
@@ -123,8 +114,8 @@ TEST_F(Put, WritesNothingThatDoesNotFit) {
 }
 
 TEST_F(Put, LeavesNoHalfFileBehindWithCtrlC) {
-  std::string large = sandbox.file("large.dat", "");
-  if (makeLarge(large) == 0) GTEST_SKIP() << "not enough room for a copy that takes long enough";
+  std::string large = hugeFile("large.dat");
+  if (large.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
   RunningProgram program(putting({large, phone + "/large.dat"}), {.atTerminal = true});
   program.waitForOutput("0/1  large.dat");
   program.type("\x03");

@@ -149,5 +149,17 @@ TEST_F(Send, EndsCleanlyInTheMiddleOfTheListWithCtrlC) {
   EXPECT_EQ(treeOf(player).size(), linesOf(ended.output).size());  // files and their folder
 }
 
+TEST_F(Send, LeavesNoHalfFileBehindWithCtrlC) {
+  std::string huge = hugeFile("phone/film.mp4");
+  if (huge.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
+  RunningProgram program(sending({huge}), {.atTerminal = true});
+  program.waitForOutput("0/1  film.mp4");
+  program.type("\x03");
+  Ended ended = program.wait();
+  EXPECT_EQ(ended.status, 130);
+  EXPECT_EQ(treeOf(player), (Lines{"DCIM/", "DCIM/Camera/"}));
+  EXPECT_TRUE(exists(huge));
+}
+
 }  // namespace
 }  // namespace umsservice::testing

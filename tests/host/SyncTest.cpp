@@ -186,5 +186,19 @@ TEST_F(Sync, EndsCleanlyInTheMiddleOfTheListWithCtrlC) {
   EXPECT_TRUE(lines.back().ends_with(std::to_string(200 - copied) + " not copied")) << lines.back();
 }
 
+TEST_F(Sync, LeavesNoHalfFileOnTheOtherVolumeWithCtrlC) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume volume(phone, kMebi);
+  std::string film = hugeFile("film.mp4");
+  if (film.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
+  RunningProgram program(syncing({film}), {.atTerminal = true});
+  program.waitForOutput("0/1  film.mp4");
+  program.type("\x03");
+  Ended ended = program.wait();
+  EXPECT_EQ(ended.status, 130);
+  EXPECT_NE(ended.output.find("cancelled: 0 copied (0 B), 1 not copied\r\n"), std::string::npos);
+  EXPECT_EQ(treeOf(card), (Lines{"DCIM/", "DCIM/Camera/"}));
+}
+
 }  // namespace
 }  // namespace umsservice::testing
