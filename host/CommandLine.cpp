@@ -50,7 +50,8 @@ constexpr auto kPushEnding =
 constexpr auto kListEnding =
     "Hidden files and files in folders with a .nomedia marker are left out. Piped, each\n"
     "file is one line of fields with tabs between them: type, bytes, full path; with\n"
-    "--tags also title, artist, album, genre, track, year, duration.";
+    "--tags also title, artist, album, genre, track, year, duration. Episodes whose\n"
+    "files are gone leave the index of their podcast when it is listed.";
 
 constexpr auto kSyncEnding =
     "Each file goes to the folder of its kind on the first volume; one that does not\n"

@@ -1,6 +1,5 @@
 #include "Contents.h"
 
-#include <algorithm>
 #include <cerrno>
 #include <limits>
 
@@ -32,13 +31,10 @@ Contents::Contents(FileSystem& files, const std::vector<std::string>& arguments,
     dictionaries.append(content);
     names.push_back(argument.empty() ? "''" : argument);
     paths.push_back(path);
+    known.insert(path);
     sizes.push_back(size);
     objections.push_back(cause);
   }
-}
-
-bool Contents::has(const std::string& path) const {
-  return std::find(paths.begin(), paths.end(), path) != paths.end();
 }
 
 }  // namespace umsctl

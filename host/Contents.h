@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -24,11 +25,12 @@ struct Contents {
            const Objection& objection = whyUnreadable);
 
   /// Whether a full path is in the list.
-  bool has(const std::string& path) const;
+  bool has(const std::string& path) const { return known.count(path) > 0; }
 
   umsservice::Array dictionaries;
   std::vector<std::string> names;       ///< as the person wrote them
   std::vector<std::string> paths;       ///< full
+  std::set<std::string> known;          ///< the same paths, for looking one up
   std::vector<uint64_t> sizes;          ///< bytes; 0 where not known
   std::vector<std::string> objections;  ///< why a file cannot take part; empty for one that can
 };

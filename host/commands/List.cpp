@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <map>
+#include <utility>
 
 #include "Amounts.h"
 #include "EscapedName.h"
 #include "Output.h"
 #include "Paths.h"
 #include "Terminal.h"
+#include "VolumeBounds.h"
 #include "umsservice/Notifications.h"
 
 namespace umsctl {
@@ -44,7 +46,7 @@ std::string tagText(const MaybeDictionary& tags, const char* name) {
 class Listing {
  public:
   Listing(Device& device, const ListOptions& options)
-      : device_(device), options_(options), forEyes_(outputIsTerminal()) {}
+      : device_(device), options_(options), bounds_(options.volumes), forEyes_(outputIsTerminal()) {}
 
   void show(const Device::Volume& volume) {
     auto readable = device_.files().list(volume.path);
@@ -68,11 +70,15 @@ class Listing {
     auto files = mediaType == kMediaPodcast ? episodes(volume.index) : media(volume.index, mediaType);
     std::sort(files.begin(), files.end(),
               [](const Listed& left, const Listed& right) { return comesBefore(left.path, right.path); });
+    constexpr size_t kWorthWriting = 64 * 1024;
+    std::string text;
     for (const Listed& file : files) {
-      print(forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file));
+      text += forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
       ++count_;
       bytes_ += file.size;
+      if (text.size() >= kWorthWriting) print(std::exchange(text, ""));
     }
+    print(text);
   }
 
   /// The listing of names has every file, that with tags only those whose tags can be read.
@@ -96,6 +102,8 @@ class Listing {
     for (const Dictionary& channel :
          dictionariesOf(device_.service().fileInformationList(0, kMediaPodcast, diskIndex))) {
       for (const Dictionary& episode : dictionariesOf(channel.get("children").array())) {
+        // An index may name any path; those beyond the device are not its episodes.
+        if (!bounds_.holdsContents(episode.string(key::kFilePath).value_or(""))) continue;
         Dictionary tags;
         if (auto title = episode.string("Title")) tags.set("Title", *title);
         if (auto name = channel.string("Title")) tags.set("Album", *name);
@@ -142,6 +150,7 @@ class Listing {
 
   Device& device_;
   const ListOptions& options_;
+  const VolumeBounds bounds_;
   const bool forEyes_;
   size_t count_ = 0;
   uint64_t bytes_ = 0;

@@ -68,6 +68,16 @@ TEST_F(List, ShowsTheEpisodesOfPodcasts) {
             Lines{"podcast\t8\t" + episode + "\tLow water\t\tTides\t\t\t\t"});
 }
 
+TEST_F(List, ShowsNoEpisodeThatAnIndexPlacesElsewhere) {
+  sandbox.file("mine.mp3", "mine");
+  sandbox.file("phone/Podcast/Tides/Tides.xml",
+               "<channel><Title>Tides</Title><Post><Title>x</Title><Url>u</Url>"
+               "<FilePath>../../../mine.mp3</FilePath></Post></channel>\n");
+  Ended ended = umsctl(listing());
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_EQ(ended.output, "");
+}
+
 TEST_F(List, LeavesOutWhatIsHiddenAndWhatIsNoFile) {
   sandbox.file("phone/.thumbnails/a.jpg", "small");
   sandbox.file("phone/Ringtones/b.mp3", "ring");
