@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <map>
-#include <utility>
 
 #include "Amounts.h"
 #include "EscapedName.h"
@@ -76,7 +75,9 @@ class Listing {
       text += forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
       ++count_;
       bytes_ += file.size;
-      if (text.size() >= kWorthWriting) print(std::exchange(text, ""));
+      if (text.size() < kWorthWriting) continue;
+      print(text);
+      text.clear();
     }
     print(text);
   }
