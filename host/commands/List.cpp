@@ -55,6 +55,7 @@ class Listing {
     for (uint32_t mediaType : {kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
       if (options_.mediaType == 0 || options_.mediaType == mediaType) showType(volume, mediaType);
     }
+    tellUnreadableFolders(volume);
   }
 
   void showTotal() const {
@@ -142,6 +143,19 @@ class Listing {
       if (!text.empty()) tags += (tags.empty() ? "" : ", ") + text;
     }
     return line + (tags.empty() ? "" : "  (" + tags + ")") + "\n";
+  }
+
+  /// The listings pass over a folder that cannot be read; nobody should take its files for gone.
+  void tellUnreadableFolders(const Device::Volume& volume) {
+    MaybeArray folders = device_.service().recursiveFolderLists(volume.path);
+    if (!folders) return;
+    for (const Value& folder : folders->snapshot()) {
+      std::string path = folder.string().value_or("");
+      auto found = device_.files().linkAttributes(path);
+      if (!found || found->type != FileType::Directory) continue;
+      auto readable = device_.files().list(path);
+      if (!readable) tellUnreadable(path, readable.error());
+    }
   }
 
   void tellUnreadable(const std::string& path, const FileError& error) {

@@ -1,3 +1,4 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -116,6 +117,36 @@ TEST_F(List, NamesAVolumeThatCannotBeReadAndShowsTheOther) {
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(ended.error, "umsctl: " + phone + ": Permission denied\n");
   EXPECT_EQ(ended.output, "music\t2\t" + card + "/a.mp3\n");
+}
+
+TEST_F(List, NamesAFolderThatCannotBeReadAndShowsTheOthers) {
+  sandbox.file("phone/Music/a.mp3", "la");
+  std::string closed = sandbox.folder("phone/Music/closed");
+  chmod(closed.c_str(), 0);
+  Ended ended = umsctl(listing(), {.withoutRootPowers = true});
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(ended.error, "umsctl: " + closed + ": Permission denied\n");
+  EXPECT_EQ(ended.output, "music\t2\t" + phone + "/Music/a.mp3\n");
+}
+
+TEST_F(List, GoesAsDeepAsPathsReach) {
+  const std::string name(200, 'd');
+  std::string path = phone;
+  int folder = open(phone.c_str(), O_RDONLY | O_DIRECTORY);
+  for (int depth = 0; depth < 25; ++depth) {
+    ASSERT_EQ(mkdirat(folder, name.c_str(), 0700), 0);
+    int below = openat(folder, name.c_str(), O_RDONLY | O_DIRECTORY);
+    close(folder);
+    folder = below;
+    close(openat(folder, "a.mp3", O_CREAT | O_WRONLY, 0600));
+  }
+  close(folder);
+  Ended ended = umsctl(listing());
+  auto lines = linesOf(ended.output);
+  ASSERT_FALSE(lines.empty());
+  EXPECT_LT(lines.size(), 25u);
+  EXPECT_GT(lines.size(), 15u);
+  EXPECT_EQ(ended.status, 0);
 }
 
 TEST_F(List, EndsWithThreeForAMissingVolume) {

@@ -88,6 +88,8 @@ TEST_F(Put, SaysWhatIsWrongWithItsFile) {
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(ended.error, "umsctl: none.dat: No such file or directory\n");
   EXPECT_EQ(linesOf(ended.output), Lines{"0 copied (0 B), 1 failed"});
+  EXPECT_EQ(umsctl(putting({"/dev/zero", phone + "/x.dat"})).error,
+            "umsctl: /dev/zero: it is no ordinary file\n");
   EXPECT_EQ(umsctl(putting({card, phone + "/x.dat"})).error, "umsctl: " + card + ": it is a folder\n");
   EXPECT_EQ(umsctl(putting({mine, phone + "/" + std::string(300, 'n')})).status, 1);
   EXPECT_TRUE(treeOf(phone).empty());
