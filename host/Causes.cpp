@@ -1,5 +1,6 @@
 #include "Causes.h"
 
+#include <cerrno>
 #include <cstdio>
 
 #include "Amounts.h"
@@ -17,17 +18,19 @@ std::string withReason(const std::string& words, const std::string& reason) {
 std::string causeOfConflict(Device& device, const ItemOutcome& outcome) {
   auto existing = device.files().linkAttributes(outcome.destPath.value_or(""));
   if (existing && existing->type == FileType::Directory) return "a folder of that name is in its place";
+  if (existing && existing->type != FileType::Regular) return "no ordinary file of that name is in its place";
   return "it is already there";
 }
 
 std::string causeOfFullVolume(Device& device, const ItemOutcome& outcome) {
   if (outcome.kind == ItemOutcome::Kind::NotReached) return "not tried, the volume is full";
+  if (!outcome.destPath) return "not enough room on the volume";
   uint64_t needed = device.service().fileSizeAtDevice(outcome.path);
   uint64_t free = device.service().volumeFreeSpace(outcome.destPath);
   return "not enough room on the volume: " + byteText(needed) + " needed, " + byteText(free) + " free";
 }
 
-std::string causeByNumber(const ItemOutcome& outcome) {
+std::string causeByNumber(const ItemOutcome& outcome, const std::string& folder) {
   switch (outcome.errorNumber) {
     case kErrorStopped:
     case kErrorStoppedByPeer:
@@ -35,7 +38,7 @@ std::string causeByNumber(const ItemOutcome& outcome) {
     case kErrorUnknownMediaType:
       return "by its name it is no music, image or video file";
     case kErrorCreateFolderFailed:
-      return withReason("its folder on the device cannot be made", outcome.reason);
+      return withReason(folder + " cannot be made", outcome.reason);
     case kErrorAttributesUnreadable:
       return outcome.reason.empty() ? "it cannot be looked at" : outcome.reason;
     case kErrorOpenFailed:
@@ -43,7 +46,10 @@ std::string causeByNumber(const ItemOutcome& outcome) {
     case kErrorCopyFailed:
       return withReason("copying failed", outcome.reason);
     case kErrorDeleteFailed:
-      return withReason("what is there cannot be removed", outcome.reason);
+      return withReason(outcome.destPath ? "what is there cannot be removed" : "it cannot be removed",
+                        outcome.reason);
+    case kErrorInvalidInput:
+      return "the device has no place for it";
     default:
       char number[16];
       std::snprintf(number, sizeof number, "0x%08x", static_cast<unsigned>(outcome.errorNumber));
@@ -51,16 +57,39 @@ std::string causeByNumber(const ItemOutcome& outcome) {
   }
 }
 
+/// What one device writes for another is told with a number at most; a look at both ends tells the rest.
+std::string causeOfSilentFailure(Device& device, const ItemOutcome& outcome, const std::string& folderText) {
+  FileSystem& files = device.files();
+  auto opened = files.openForReading(*outcome.path);
+  if (!opened) return withReason("it cannot be opened", opened.error().words());
+  std::string folder = outcome.destPath->substr(0, outcome.destPath->rfind('/'));
+  auto made = files.createFolders(folder);
+  if (!made) return withReason(folderText + " cannot be made", made.error().words());
+  auto existing = files.linkAttributes(*outcome.destPath);
+  if (!existing && existing.error().systemNumber != ENOENT)
+    return withReason("it cannot be made", existing.error().words());
+  auto size = files.attributes(*outcome.path);
+  auto space = files.space(folder);
+  if (size && space && space->free < size->size) return causeOfFullVolume(device, outcome);
+  return "copying failed";
+}
+
 }  // namespace
 
-std::string causeOf(Device& device, const ItemOutcome& outcome) {
+std::string causeOf(Device& device, const ItemOutcome& outcome, const std::string& folder) {
+  bool isSilent = outcome.reason.empty() && outcome.path && outcome.destPath;
   switch (outcome.errorNumber) {
     case kErrorFileExists:
+    case kErrorOverwriteNotAllowed:
       return causeOfConflict(device, outcome);
+    case kErrorCopyFailed:
+    case kErrorCreateFolderFailed:
+      return isSilent ? causeOfSilentFailure(device, outcome, folder) : causeByNumber(outcome, folder);
+    case kErrorWriteVolumeFull:
     case kErrorVolumeFull:
       return causeOfFullVolume(device, outcome);
     default:
-      return causeByNumber(outcome);
+      return causeByNumber(outcome, folder);
   }
 }
 

@@ -10,6 +10,8 @@ namespace umsctl {
 
 /// From the error number and the system's own reason; where these leave the cause open (a missing file with
 /// an unknown extension, a folder that could not be made), the files themselves are looked at.
-std::string causeOf(Device& device, const umsservice::ItemOutcome& outcome);
+/// `folder` is what a folder that could not be made is called.
+std::string causeOf(Device& device, const umsservice::ItemOutcome& outcome,
+                    const std::string& folder = "its folder on the device");
 
 }  // namespace umsctl

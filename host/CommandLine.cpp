@@ -8,7 +8,13 @@
 #include "Output.h"
 #include "commands/Df.h"
 #include "commands/Folders.h"
+#include "commands/List.h"
+#include "commands/Pull.h"
 #include "commands/Push.h"
+#include "commands/PutGet.h"
+#include "commands/Remove.h"
+#include "commands/Send.h"
+#include "commands/Sync.h"
 #include "commands/Tree.h"
 #include "podcast/PodcastLine.h"
 
@@ -41,6 +47,32 @@ constexpr auto kPushEnding =
     "Examples:\n"
     "  umsctl push --internal /media/me/PHONE *.mp3 holiday.jpg\n"
     "  umsctl push --internal /media/me/PHONE --card /media/me/CARD --to 1 trip.mp4";
+
+constexpr auto kListEnding =
+    "Hidden files and files in folders with a .nomedia marker are left out. Piped, each\n"
+    "file is one line of fields with tabs between them: type, bytes, full path; with\n"
+    "--tags also title, artist, album, genre, track, year, duration. Episodes whose\n"
+    "files are gone leave the index of their podcast when it is listed.";
+
+constexpr auto kSyncEnding =
+    "Each file goes to the folder of its kind on the first volume; one that does not\n"
+    "fit there goes to that folder of the other volume. Subtitles do not go along.\n"
+    "\n"
+    "Example:\n"
+    "  umsctl sync --internal /media/me/PHONE --card /media/me/CARD *.mp3";
+
+constexpr auto kRemoveEnding =
+    "Only what lies on the volumes is deleted; folders stay. The .smi subtitles of a\n"
+    "video go with it. Without a terminal nothing is deleted unless --yes is given.";
+
+constexpr auto kPullEnding =
+    "The files must lie on the volumes; they may be of any kind. A video takes the .smi\n"
+    "subtitles beside it along.";
+
+constexpr auto kSendEnding =
+    "The files must lie on the volumes of the sending device (--from-internal,\n"
+    "--from-card). Each goes to the folder of its kind on the other device. Subtitles do\n"
+    "not go along.";
 
 void addVolumes(CLI::App& command, VolumeFolders& volumes, bool required) {
   auto* internal =
@@ -88,6 +120,98 @@ void addPush(CLI::App& app, Command& chosen) {
   addOnConflict(command, options->onConflict);
   command.add_option("FILE", options->files, "Files to copy, in this order")->required()->type_name("");
   command.footer(kPushEnding);
+}
+
+void addList(CLI::App& app, Command& chosen) {
+  static const std::map<std::string, uint32_t> types{
+      {"all", 0}, {"music", 1}, {"image", 2}, {"video", 3}, {"podcast", 4}};
+  CLI::App& command = addCommand(app, "ls", "List the media on the device");
+  auto options = optionsOf(command, chosen, listMedia);
+  addVolumes(command, options->volumes, true);
+  auto choose = [options = options.get()](const std::string& word) {
+    auto type = types.find(word);
+    if (type == types.end())
+      throw CLI::ValidationError("--type", word + " is none of music, image, video, podcast and all");
+    options->mediaType = type->second;
+  };
+  command.add_option_function<std::string>("--type", choose, "Only media of this type; all unless said")
+      ->type_name("music|image|video|podcast|all");
+  command.add_flag("--tags", options->tags, "With the tags inside the files");
+  command.footer(kListEnding);
+}
+
+void addSync(CLI::App& app, Command& chosen) {
+  CLI::App& command = addCommand(app, "sync", "Copy media to whichever volume has room");
+  auto options = optionsOf(command, chosen, syncMedia);
+  addVolumes(command, options->volumes, true);
+  command.add_option("--first", options->first, "Volume to begin with; 0 unless said")->type_name("0|1");
+  addOnConflict(command, options->onConflict);
+  command.add_option("FILE", options->files, "Files to copy, in this order")->required()->type_name("");
+  command.footer(kSyncEnding);
+}
+
+void addRemove(CLI::App& app, Command& chosen) {
+  CLI::App& command = addCommand(app, "rm", "Delete files from the device");
+  auto options = optionsOf(command, chosen, removeFiles);
+  addVolumes(command, options->volumes, true);
+  command.add_flag("-y,--yes", options->isAgreed, "Delete without a question");
+  command.add_option("FILE", options->files, "Files on the device")->required()->type_name("");
+  command.footer(kRemoveEnding);
+}
+
+void addPull(CLI::App& app, Command& chosen) {
+  CLI::App& command = addCommand(app, "pull", "Copy files from the device to the computer");
+  auto options = optionsOf(command, chosen, pull);
+  addVolumes(command, options->volumes, true);
+  command.add_option("--into", options->into, "Folder to copy into; made where it is missing")
+      ->required()
+      ->type_name("DIR");
+  addOnConflict(command, options->onConflict);
+  command.add_option("FILE", options->files, "Files on the device")->required()->type_name("");
+  command.footer(kPullEnding);
+}
+
+void addPut(CLI::App& app, Command& chosen) {
+  CLI::App& command = addCommand(app, "put", "Copy one file to a path on the device");
+  auto options = optionsOf(command, chosen, put);
+  addVolumes(command, options->volumes, true);
+  addOnConflict(command, options->onConflict);
+  command.add_option("FILE", options->from, "File on the computer")->required()->type_name("");
+  command.add_option("DEVICE_PATH", options->to, "Where it goes: below a volume; a folder keeps its name")
+      ->required()
+      ->type_name("");
+}
+
+void addGet(CLI::App& app, Command& chosen) {
+  CLI::App& command = addCommand(app, "get", "Copy one file from a path on the device");
+  auto options = optionsOf(command, chosen, get);
+  addVolumes(command, options->volumes, true);
+  addOnConflict(command, options->onConflict);
+  command.add_option("DEVICE_PATH", options->from, "File below a volume")->required()->type_name("");
+  command.add_option("FILE", options->to, "Where it goes on the computer; a folder keeps its name")
+      ->required()
+      ->type_name("");
+}
+
+void addSend(CLI::App& app, Command& chosen) {
+  CLI::App& command = addCommand(app, "send", "Copy media from one device to another");
+  auto options = optionsOf(command, chosen, sendMedia);
+  auto* internal = command.add_option("--from-internal", options->from.internal,
+                                      "Folder of the sending device's internal memory");
+  auto* card = command.add_option("--from-card", options->from.card, "Folder of its memory card");
+  for (auto* option : {internal, card}) option->type_name("DIR");
+  addVolumes(command, options->volumes, false);
+  command.add_option("--to", options->to, "Volume to copy to; 0 unless said")->type_name("0|1");
+  addOnConflict(command, options->onConflict);
+  command.add_option("FILE", options->files, "Files on the sending device")->required()->type_name("");
+  command.callback([options = options.get()] {
+    if (options->from.none())
+      throw CLI::ValidationError(
+          "no sending volume is given; name --from-internal DIR, --from-card DIR or both");
+    if (options->volumes.none())
+      throw CLI::ValidationError("no receiving volume is given; name --internal DIR, --card DIR or both");
+  });
+  command.footer(kSendEnding);
 }
 
 void addDf(CLI::App& app, Command& chosen) {
@@ -175,6 +299,7 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   Command chosen;
   for (auto add : {addPush, addDf, addTree, addMkdir, addRmdir}) add(app, chosen);
+  for (auto add : {addList, addSync, addPull, addPut, addGet, addSend, addRemove}) add(app, chosen);
   addPodcast(app, chosen, {addVolumes, addOnConflict});
 
   try {

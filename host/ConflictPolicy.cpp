@@ -17,16 +17,15 @@ namespace {
 struct Answer {
   const char* word;
   const char* letter;  ///< null where a letter would be ambiguous
-  bool goesOn;         ///< false keeps every file that is there from now on, without further questions
   bool isOverwrite;
-  bool isNotAsk;
+  bool isLasting;  ///< holds for every later file, without further questions
 };
 
 constexpr Answer kAnswers[] = {
-    {"yes", "y", true, true, false},
-    {"no", "n", true, false, false},
-    {"all", "a", true, true, true},
-    {"none", nullptr, false, false, true},
+    {"yes", "y", true, false},
+    {"no", "n", false, false},
+    {"all", "a", true, true},
+    {"none", nullptr, false, true},
 };
 
 constexpr Answer kNone = kAnswers[3];
@@ -48,43 +47,47 @@ OnConflict resolved(OnConflict choice) {
 
 }  // namespace
 
-ConflictPolicy::ConflictPolicy(OnConflict choice, ProgressDisplay& display, Interrupt& interrupt)
+ConflictPolicy::ConflictPolicy(OnConflict choice, ProgressDisplay& display, Interrupt& interrupt,
+                               std::string place)
     : choice_(resolved(choice)),
       saysSo_(choice == OnConflict::NotSaid && choice_ == OnConflict::Skip),
       display_(display),
-      interrupt_(interrupt) {}
+      interrupt_(interrupt),
+      place_(std::move(place)) {}
 
+/// The answers that last are kept here and not by the service: it forgets them at the end of a request, and a
+/// command may take several.
 bool ConflictPolicy::confirmOverwrite(const std::string& path, bool& isOverwrite, bool& isNotAsk) {
+  isNotAsk = false;
   switch (choice_) {
     case OnConflict::Overwrite:
       isOverwrite = true;
-      isNotAsk = true;
-      return true;
-    case OnConflict::Ask: {
-      bool goesOn = false;
-      display_.stepAside([&] { goesOn = ask(path, isOverwrite, isNotAsk); });
-      return goesOn;
-    }
+      break;
+    case OnConflict::Ask:
+      display_.stepAside([&] { ask(path, isOverwrite); });
+      break;
     default:
-      // Going on without replacing anything: the next conflict is asked about, and told, again.
       isOverwrite = false;
       if (saysSo_)
-        display_.stepAside([&] { complain(path, "already on the device, skipped (see --on-conflict)"); });
-      return true;
+        display_.stepAside([&] { complain(path, "already " + place_ + ", skipped (see --on-conflict)"); });
   }
+  return true;
 }
 
-bool ConflictPolicy::ask(const std::string& path, bool& isOverwrite, bool& isNotAsk) {
+void ConflictPolicy::ask(const std::string& path, bool& isOverwrite) {
   const Answer* answer = nullptr;
+  if (lasting_) {
+    isOverwrite = *lasting_;
+    return;
+  }
   while (!answer) {
-    printToError(escaped(lastComponent(path)) + " is already on the device. Replace it? (y/n/all/none) ");
+    printToError(escaped(lastComponent(path)) + " is already " + place_ + ". Replace it? (y/n/all/none) ");
     auto typed = readAnswer();
     answer = typed ? answerOf(*typed) : &kNone;
     if (!typed) printToError("\n");
   }
   isOverwrite = answer->isOverwrite;
-  isNotAsk = answer->isNotAsk;
-  return answer->goesOn;
+  if (answer->isLasting) lasting_ = isOverwrite;
 }
 
 /// One line, or nothing when no more answers can come: the input has ended, or the person has had enough.
@@ -111,7 +114,7 @@ std::optional<std::string> ConflictPolicy::readAnswer() {
 
 std::shared_ptr<umsservice::OVFileService> ConflictPolicy::getFileServiceObject(
     const umsservice::MaybeString&) {
-  return nullptr;
+  return otherDevice_;
 }
 
 }  // namespace umsctl

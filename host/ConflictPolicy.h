@@ -20,22 +20,29 @@ enum class OnConflict {
 
 class ConflictPolicy final : public umsservice::QDDeviceConfirmDelegate {
  public:
-  ConflictPolicy(OnConflict choice, ProgressDisplay& display, Interrupt& interrupt);
+  /// `place` says where a file that is in the way is: "on the device", "there".
+  ConflictPolicy(OnConflict choice, ProgressDisplay& display, Interrupt& interrupt,
+                 std::string place = "on the device");
+
+  /// The other device of a copy from device to device; there is none before this is called.
+  void setOtherDevice(std::shared_ptr<umsservice::OVFileService> device) { otherDevice_ = std::move(device); }
 
   bool confirmOverwrite(const std::string& path, bool& isOverwrite, bool& isNotAsk) override;
-  /// A person at a shell works with one device; there is never another.
   std::shared_ptr<umsservice::OVFileService> getFileServiceObject(
       const umsservice::MaybeString& locationID) override;
 
  private:
-  bool ask(const std::string& path, bool& isOverwrite, bool& isNotAsk);
+  void ask(const std::string& path, bool& isOverwrite);
   std::optional<std::string> readAnswer();
 
   const OnConflict choice_;
   const bool saysSo_;  ///< each skip is told: nobody chose it
   ProgressDisplay& display_;
   Interrupt& interrupt_;
-  std::string typed_;  ///< what was read and not yet used
+  const std::string place_;
+  std::shared_ptr<umsservice::OVFileService> otherDevice_;
+  std::optional<bool> lasting_;  ///< what "all" or "none" has settled for every later file
+  std::string typed_;            ///< what was read and not yet used
 };
 
 }  // namespace umsctl

@@ -1,5 +1,6 @@
 #include "Paths.h"
 
+#include <algorithm>
 #include <filesystem>
 
 namespace umsctl {
@@ -20,6 +21,18 @@ std::string withoutTrailingSlashes(const std::string& path) {
 std::string lastComponent(const std::string& path) {
   std::string trimmed = withoutTrailingSlashes(path);
   return trimmed.substr(trimmed.rfind('/') + 1);
+}
+
+std::string inFolder(const std::string& folder, const std::string& name) {
+  return folder + (folder.ends_with('/') ? "" : "/") + name;
+}
+
+bool comesBefore(const std::string& one, const std::string& other) {
+  auto smaller = [](char left, char right) {
+    if (left == right || right == '/') return false;
+    return left == '/' || static_cast<unsigned char>(left) < static_cast<unsigned char>(right);
+  };
+  return std::lexicographical_compare(one.begin(), one.end(), other.begin(), other.end(), smaller);
 }
 
 }  // namespace umsctl

@@ -15,4 +15,11 @@ std::string withoutTrailingSlashes(const std::string& path);
 /// What stands behind the last slash, slashes at the end not counted; empty for "/" and "".
 std::string lastComponent(const std::string& path);
 
+/// The path of something in a folder.
+std::string inFolder(const std::string& folder, const std::string& name);
+
+/// The order in which paths are shown, by components: everything in "a" comes before "a b", although a blank
+/// sorts before a slash.
+bool comesBefore(const std::string& one, const std::string& other);
+
 }  // namespace umsctl

@@ -1,5 +1,7 @@
 #include "ProgressDisplay.h"
 
+#include <algorithm>
+
 #include "EscapedName.h"
 #include "Output.h"
 #include "ProgressLine.h"
@@ -27,8 +29,11 @@ std::string tagText(const Dictionary& userInfo) {
 
 }  // namespace
 
-ProgressDisplay::ProgressDisplay(std::vector<uint64_t> sizes)
-    : redraws_(canRedrawError()), lists_(!redraws_ || !outputIsTerminal()), tally_(std::move(sizes)) {}
+ProgressDisplay::ProgressDisplay(std::vector<uint64_t> sizes, const TransferManner& manner)
+    : redraws_(canRedrawError()),
+      lists_(!redraws_ || !outputIsTerminal() || manner.tellsPlaces),
+      manner_(manner),
+      tally_(std::move(sizes)) {}
 
 ProgressDisplay::~ProgressDisplay() {
   finish();
@@ -40,12 +45,24 @@ void ProgressDisplay::begin() {
   draw(true);
 }
 
+void ProgressDisplay::beginRequest(std::vector<size_t> positions) {
+  std::lock_guard lock(mutex_);
+  tally_.beginRequest(std::move(positions));
+}
+
+void ProgressDisplay::moved(const std::string& name, uint64_t bytes) {
+  std::lock_guard lock(mutex_);
+  currentName_ = escaped(name);
+  tally_.setBytes(bytes);
+  draw(false);
+}
+
 void ProgressDisplay::hear(const umsservice::Notification& notification) {
   std::lock_guard lock(mutex_);
   if (notification.name == umsservice::kTransferProgressNotification) {
     hearProgress(notification.userInfo);
-  } else if (notification.name == umsservice::kMediaResultNotification && lists_) {
-    showFinished(notification.userInfo);
+  } else if (notification.name == umsservice::kMediaResultNotification) {
+    tags_ = tagText(notification.userInfo);
   }
 }
 
@@ -59,21 +76,25 @@ void ProgressDisplay::hearProgress(const Dictionary& userInfo) {
   draw(false);
 }
 
-void ProgressDisplay::showFinished(const Dictionary& userInfo) const {
-  MaybeString path = userInfo.string(key::kFilePath);
+/// From the outcome and not from the item's notification: a file that did not fit on its volume is known
+/// there by the place where it should have gone.
+void ProgressDisplay::showFinished(const umsservice::ItemOutcome& outcome) {
+  using Kind = umsservice::ItemOutcome::Kind;
+  const MaybeString& path = outcome.destPath ? outcome.destPath : outcome.path;
   if (!path) return;
-  switch (userInfo.get(key::kResultStatus).unsignedIntValue()) {
-    case umsservice::kItemTransferred:
-      return print("copied   " + escaped(*path) + tagText(userInfo) + "\n");
-    case umsservice::kErrorFileExists:
-      return print("skipped  " + escaped(*path) + "  (already there)\n");
-    default:
-      return;  // told with its cause at the end
-  }
+  if (outputIsTerminal()) erase();
+  if (outcome.kind == Kind::Done) {
+    std::string word = manner_.done;
+    print(word + std::string(9 - std::min<size_t>(7, word.size()), ' ') + escaped(*path) + tags_ + "\n");
+  } else if (outcome.kind == Kind::Skipped) {
+    print("skipped  " + escaped(*path) + "  (already there)\n");
+  }  // others are told with their cause at the end
 }
 
 void ProgressDisplay::itemCounted(const umsservice::ItemOutcome& outcome) {
   std::lock_guard lock(mutex_);
+  if (lists_) showFinished(outcome);
+  tags_.clear();
   tally_.itemCounted(outcome);
   draw(false);
 }

@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "TransferManner.h"
 #include "TransferRate.h"
 #include "TransferTally.h"
 #include "umsservice/NotificationCenter.h"
@@ -18,8 +19,9 @@ namespace umsctl {
 
 class ProgressDisplay {
  public:
-  /// The size of each item in the order of the request; 0 where it is not known.
-  explicit ProgressDisplay(std::vector<uint64_t> sizes);
+  /// The size of each item in the order of the command; 0 where it is not known. The manner tells what a
+  /// finished file is said to be, and where such files are listed.
+  explicit ProgressDisplay(std::vector<uint64_t> sizes, const TransferManner& manner = {});
   /// Leaves no half-drawn line behind.
   ~ProgressDisplay();
   ProgressDisplay(const ProgressDisplay&) = delete;
@@ -27,6 +29,10 @@ class ProgressDisplay {
 
   /// Draws the bar for the first time.
   void begin();
+  /// The next request holds only the items at these places; see `TransferTally`.
+  void beginRequest(std::vector<size_t> positions);
+  /// So many bytes of the item in hand have been moved; for transfers that post no notifications.
+  void moved(const std::string& name, uint64_t bytes);
   /// Takes in a progress or an item result notification of the transfer.
   void hear(const umsservice::Notification& notification);
   void itemCounted(const umsservice::ItemOutcome& outcome);
@@ -39,16 +45,18 @@ class ProgressDisplay {
 
  private:
   void hearProgress(const umsservice::Dictionary& userInfo);
-  void showFinished(const umsservice::Dictionary& userInfo) const;
+  void showFinished(const umsservice::ItemOutcome& outcome);
   void draw(bool always);
   void erase();
 
   const bool redraws_;  ///< the bar is drawn
   const bool lists_;    ///< finished files are listed
+  const TransferManner manner_;
   std::recursive_mutex mutex_;
   TransferTally tally_;
   TransferRate rate_;
   std::string currentName_;  ///< escaped
+  std::string tags_;         ///< of the item in hand, as they are shown
   std::chrono::steady_clock::time_point lastDrawn_;
   bool isDrawn_ = false;
   bool isFinished_ = false;

@@ -37,9 +37,11 @@ std::string progressLine(const TransferTally& tally, double bytesPerSecond, cons
   double fraction = tally.fraction();
   std::string line = columns >= kColumnsForABar ? bar(fraction) : "";
   line += percentText(fraction) + "  ";
-  line += byteText(tally.passedBytes()) + " of " + byteText(tally.totalBytes());
-  line += rateText(tally, bytesPerSecond);
-  line += "  " + std::to_string(tally.counted()) + "/" + std::to_string(tally.items());
+  if (tally.totalBytes() > 0) {
+    line += byteText(tally.passedBytes()) + " of " + byteText(tally.totalBytes());
+    line += rateText(tally, bytesPerSecond) + "  ";
+  }
+  line += std::to_string(tally.counted()) + "/" + std::to_string(tally.items());
   if (!name.empty()) line += "  " + name;
   return shortened(line, columns);
 }

@@ -2,12 +2,18 @@
 #pragma once
 
 #include "Device.h"
-#include "Outcomes.h"
+#include "umsservice/ItemObserver.h"
 
 namespace umsctl {
 
-/// Names on standard error each ".smi" companion of a copied file that is not beside the copy, and gives
-/// their number.
-size_t reportLostSubtitles(Device& device, const Outcomes& outcomes);
+/// "/films/trip.mp4" has its subtitles in "/films/trip.smi".
+std::string companionOf(const std::string& path);
+
+/// Names on standard error the ".smi" companion of a copied file when it is not beside the copy, and gives
+/// the number of such companions.
+size_t reportLostSubtitles(Device& device, const umsservice::ItemOutcome& outcome);
+
+/// The same for one that is still there although its video has been deleted.
+size_t reportKeptSubtitles(Device& device, const umsservice::ItemOutcome& outcome);
 
 }  // namespace umsctl

@@ -12,7 +12,7 @@ namespace {
 using umsservice::ItemOutcome;
 using Kind = ItemOutcome::Kind;
 
-std::string countText(size_t count, const char* what) {
+std::string countText(size_t count, const std::string& what) {
   return std::to_string(count) + " " + what;
 }
 
@@ -23,36 +23,50 @@ bool isFailure(const ItemOutcome& outcome) {
 }
 
 /// Names each item that is not on the device although it should be, and gives their number.
-size_t reportFailures(Device& device, const Contents& contents, const Outcomes& outcomes) {
+size_t reportFailures(Device& device, const Contents& contents, const Outcomes& outcomes,
+                      const char* folder) {
   size_t failures = 0;
   for (const ItemOutcome& outcome : outcomes.all()) {
     if (!isFailure(outcome)) continue;
     ++failures;
     std::string objection = contents.objections.at(outcome.index);
-    complain(contents.names.at(outcome.index), objection.empty() ? causeOf(device, outcome) : objection);
+    complain(contents.names.at(outcome.index),
+             objection.empty() ? causeOf(device, outcome, folder) : objection);
   }
   for (const auto& leftover : outcomes.leftovers())
     complain(leftover.path, "an unfinished copy stays there: " + leftover.words());
   return failures;
 }
 
+/// Subtitles ride along uncounted; those that did not are told here.
+size_t reportSubtitles(Device& device, const Outcomes& outcomes, const ReportedRun& run) {
+  size_t wrong = 0;
+  for (const ItemOutcome& outcome : outcomes.all()) {
+    if (outcome.kind != Kind::Done || !run.takesSubtitles.at(outcome.index)) continue;
+    if (run.manner.subtitles == Subtitles::Travel) wrong += reportLostSubtitles(device, outcome);
+    if (run.manner.subtitles == Subtitles::AreRemoved) wrong += reportKeptSubtitles(device, outcome);
+  }
+  return wrong;
+}
+
 }  // namespace
 
-ExitStatus report(Device& device, const Contents& contents, const Outcomes& outcomes, bool wasCancelled) {
-  size_t failures = reportFailures(device, contents, outcomes);
-  size_t lostSubtitles = reportLostSubtitles(device, outcomes);
+ExitStatus report(Device& device, const Contents& contents, const Outcomes& outcomes,
+                  const ReportedRun& run) {
+  size_t failures = reportFailures(device, contents, outcomes, run.manner.folder);
+  size_t wrongSubtitles = reportSubtitles(device, outcomes, run);
   size_t done = outcomes.count(Kind::Done);
   size_t skipped = outcomes.count(Kind::Skipped);
   size_t notReached = contents.names.size() - done - skipped - failures;
 
-  std::string counts = wasCancelled ? "cancelled: " : "";
-  counts += countText(done, "copied (") + byteText(outcomes.doneBytes()) + ")";
+  std::string counts = run.wasCancelled ? "cancelled: " : "";
+  counts += countText(done, run.manner.done) + " (" + byteText(outcomes.doneBytes()) + ")";
   if (skipped > 0) counts += ", " + countText(skipped, "skipped");
   if (failures > 0) counts += ", " + countText(failures, "failed");
-  if (notReached > 0) counts += ", " + countText(notReached, "not copied");
+  if (notReached > 0) counts += ", " + countText(notReached, std::string("not ") + run.manner.done);
   print(counts + "\n");
-  if (wasCancelled) return ExitStatus::Cancelled;
-  return failures + lostSubtitles + notReached > 0 ? ExitStatus::SomeFailed : ExitStatus::AllDone;
+  if (run.wasCancelled) return ExitStatus::Cancelled;
+  return failures + wrongSubtitles + notReached > 0 ? ExitStatus::SomeFailed : ExitStatus::AllDone;
 }
 
 }  // namespace umsctl

@@ -5,10 +5,17 @@
 #include "Device.h"
 #include "ExitStatus.h"
 #include "Outcomes.h"
+#include "TransferManner.h"
 
 namespace umsctl {
 
+struct ReportedRun {
+  TransferManner manner;
+  std::vector<bool> takesSubtitles;  ///< for each file of the list
+  bool wasCancelled = false;
+};
+
 /// Gives the exit status.
-ExitStatus report(Device& device, const Contents& contents, const Outcomes& outcomes, bool wasCancelled);
+ExitStatus report(Device& device, const Contents& contents, const Outcomes& outcomes, const ReportedRun& run);
 
 }  // namespace umsctl

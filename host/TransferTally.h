@@ -14,8 +14,13 @@ class TransferTally {
   /// The size of each item of the list; 0 where it is not known.
   explicit TransferTally(std::vector<uint64_t> sizes);
 
-  /// The service has sent so many percent of all bytes.
+  /// The next request holds only the items at these places, in this order. Before the first call a request
+  /// holds the whole list.
+  void beginRequest(std::vector<size_t> positions);
+  /// The service has sent so many percent of the bytes of the request.
   void setPercent(uint32_t percent);
+  /// So many bytes of the item in hand have been moved.
+  void setBytes(uint64_t bytes);
   /// An item has ended, one way or another.
   void itemCounted(const umsservice::ItemOutcome& outcome);
 
@@ -32,11 +37,16 @@ class TransferTally {
  private:
   uint64_t sizeOf(size_t index) const { return index < sizes_.size() ? sizes_[index] : 0; }
 
+  uint64_t sizeInHand() const;
+
   const std::vector<uint64_t> sizes_;
   const uint64_t totalBytes_;
+  std::vector<size_t> positions_;  ///< of the request's items; empty for the whole list
+  uint64_t requestBytes_;
   size_t counted_ = 0;
+  size_t countedOfRequest_ = 0;
   uint64_t countedBytes_ = 0;   ///< sizes of the counted items
-  uint64_t reportedBytes_ = 0;  ///< what the service itself counts as sent for them
+  uint64_t reportedBytes_ = 0;  ///< what the service itself counts as sent in this request
   uint64_t movedBytes_ = 0;
   uint64_t inHand_ = 0;  ///< of the item that is being copied
 };

@@ -20,15 +20,6 @@ std::vector<std::string> textsOf(const Array& array) {
   return texts;
 }
 
-/// By components: everything in "a" comes before "a b", although a blank sorts before a slash.
-bool comesBefore(const std::string& one, const std::string& other) {
-  auto smaller = [](char left, char right) {
-    if (left == right || right == '/') return false;
-    return left == '/' || static_cast<unsigned char>(left) < static_cast<unsigned char>(right);
-  };
-  return std::lexicographical_compare(one.begin(), one.end(), other.begin(), other.end(), smaller);
-}
-
 /// One tree on standard output. Folders that cannot be read are told on standard error.
 class TreePrinter {
  public:

@@ -17,6 +17,9 @@ class HostTest : public ::testing::Test {
   /// Full path of one of the media files that belong to the tests.
   static std::string media(const std::string& name) { return TEST_DATA "/" + name; }
 
+  /// A file that takes seconds to copy and no time to make; empty where there is no room for such a copy.
+  std::string hugeFile(const std::string& relative) const;
+
   /// "push --internal PHONE" and what follows.
   std::vector<std::string> pushing(const std::vector<std::string>& more) const {
     std::vector<std::string> arguments{"push", "--internal", phone};

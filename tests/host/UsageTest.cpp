@@ -11,7 +11,8 @@ TEST_F(Usage, IsExplainedForTheProgramAndForEachCommand) {
   Ended general = umsctl({"--help"});
   EXPECT_EQ(general.status, 0);
   EXPECT_EQ(general.error, "");
-  for (const std::string command : {"push", "df", "tree", "mkdir", "rmdir"}) {
+  for (const std::string command :
+       {"push", "df", "tree", "mkdir", "rmdir", "ls", "sync", "pull", "put", "get", "send", "rm"}) {
     EXPECT_NE(general.output.find("\n  " + command + " "), std::string::npos);
     Ended own = umsctl({command, "--help"});
     EXPECT_EQ(own.status, 0);
@@ -30,6 +31,11 @@ TEST_F(Usage, EndsWithTwoForALineThatMakesNoSense) {
       pushing({"--to", "-1", media("sunrise.jpg")}),
       pushing({"--on-conflict", "guess", media("sunrise.jpg")}),
       pushing({"--frobnicate", media("sunrise.jpg")}),
+      {"ls"},
+      {"ls", "--internal", phone, "--type", "noise"},
+      {"sync", "--internal", phone},
+      {"rm", media("sunrise.jpg")},
+      {"put", "--internal", phone, media("sunrise.jpg")},
       {"df"},
       {"df", "--internal"},
       {"tree"},

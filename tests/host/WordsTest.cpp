@@ -66,6 +66,8 @@ TEST(Paths, KeepTheirMeaning) {
   EXPECT_EQ(umsctl::withoutTrailingSlashes("//"), "/");
   EXPECT_EQ(umsctl::lastComponent("/a/b.mp3/"), "b.mp3");
   EXPECT_EQ(umsctl::lastComponent("/"), "");
+  EXPECT_EQ(umsctl::inFolder("/", "b"), "/b");
+  EXPECT_EQ(umsctl::inFolder("/a", "b"), "/a/b");
 }
 
 ItemOutcome outcome(size_t index, ItemOutcome::Kind kind, uint64_t bytes) {
@@ -110,6 +112,28 @@ TEST(TransferTally, GoesByItemsWhereNoSizeIsKnown) {
   tally.itemCounted(outcome(0, ItemOutcome::Kind::Failed, 0));
   EXPECT_DOUBLE_EQ(tally.fraction(), 0.25);
   EXPECT_DOUBLE_EQ(umsctl::TransferTally({}).fraction(), 1);
+}
+
+TEST(TransferTally, CountsThePercentOfARequestForItsOwnItemsOnly) {
+  umsctl::TransferTally tally({1000, 3000, 6000});
+  tally.itemCounted(outcome(1, ItemOutcome::Kind::Failed, 0));  // refused before any request
+  tally.beginRequest({2});
+  tally.setPercent(50);
+  EXPECT_EQ(tally.passedBytes(), 6000u);
+  tally.itemCounted(outcome(2, ItemOutcome::Kind::Done, 6000));
+  tally.beginRequest({0});
+  tally.setPercent(50);
+  EXPECT_EQ(tally.passedBytes(), 9500u);
+  tally.setBytes(900);
+  EXPECT_EQ(tally.passedBytes(), 9900u);
+  tally.itemCounted(outcome(0, ItemOutcome::Kind::Done, 1000));
+  EXPECT_DOUBLE_EQ(tally.fraction(), 1);
+}
+
+TEST(ProgressLine, LeavesBytesOutWhereThereAreNone) {
+  umsctl::TransferTally tally({0, 0});
+  tally.itemCounted(outcome(0, ItemOutcome::Kind::Done, 0));
+  EXPECT_EQ(umsctl::progressLine(tally, 0, "a.mp3", 60), "  50%  1/2  a.mp3");
 }
 
 TEST(ProgressLine, ShowsEverythingAndGivesUpTheBarAndTheNameWhereItIsNarrow) {

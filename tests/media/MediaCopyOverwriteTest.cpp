@@ -53,6 +53,28 @@ TEST_F(MediaCopyOverwrite, AsksForEachConflictWithThePathOfTheSource) {
                            "2 done 9: $/in/c.mp3 > $/internal/Music/c.mp3"}));
 }
 
+TEST_F(MediaCopyOverwrite, GivesNothingUpForAFileThatWouldNotFitEvenThen) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume volume(internal, 1 << 20);
+  sandbox.file("internal/Music/large.mp3", "old");
+  Array large{content(sandbox.patternFile("in/large.mp3", 2 << 20), "large.mp3")};
+  delegate.answer = {.returned = true, .isOverwrite = true, .isNotAsk = true};
+  EXPECT_FALSE(run(toDevice(large)));
+  EXPECT_EQ(at("large.mp3"), "old");
+  EXPECT_EQ(ends(), Lines{"0 failed 1000000a 0: $/in/large.mp3 > $/internal/Music/large.mp3"});
+}
+
+TEST_F(MediaCopyOverwrite, TakesTheRoomOfTheFileThatItReplaces) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume volume(internal, 1 << 20);
+  sandbox.file("internal/Music/a.mp3", "old");
+  volume.fillUpTo(0);
+  Array one{source("a.mp3", std::string(4096, 'n'))};
+  delegate.answer = {.returned = true, .isOverwrite = true, .isNotAsk = true};
+  EXPECT_TRUE(run(toDevice(one)));
+  EXPECT_EQ(at("a.mp3").size(), 4096u);
+}
+
 TEST_F(MediaCopyOverwrite, OnceAnsweredForGoodReplacesTheRestUnasked) {
   delegate.answer = {.returned = true, .isOverwrite = true, .isNotAsk = true};
   EXPECT_TRUE(run(toDevice(contents)));

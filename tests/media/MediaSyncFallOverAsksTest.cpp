@@ -59,7 +59,7 @@ TEST_F(MediaSyncFallOverAsks, AndCountsAFileThatIsDeclinedEverywhereAsDoneAndAsF
       told(),
       (Lines{"progress 1/1 fail 0 status 2 100% a.mp3", "result 0x21000002 volume 1 $/internal/Music/a.mp3",
              "progress 1/1 fail 0 status 4 100% a.mp3", "progress 1/1 fail 1 status 4 100% a.mp3"}));
-  EXPECT_EQ(ends(), Lines{"0 skipped 0x21000002 0 bytes to $/internal/Music/a.mp3"});
+  EXPECT_EQ(ends(), Lines{"0 skipped 0x21000002 0 bytes to $/card/Music/a.mp3"});
   EXPECT_EQ(linesOf(surroundings, kFallOverMethod), Lines{"Sync $/in/a.mp3 failed."});
 }
 

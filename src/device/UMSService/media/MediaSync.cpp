@@ -113,7 +113,7 @@ void MediaSync::tellFallOver(MediaRun& run, const MediaItem& item, const MediaFa
   if (outcome.result && errorNumber == kErrorNone) {
     run.tell(placed, ItemOutcome::Kind::Done, kErrorNone, outcome.bytes);
   } else if (fallOver.wasDeclined()) {
-    run.tell(item, ItemOutcome::Kind::Skipped, kErrorFileExists);
+    run.tell(placed, ItemOutcome::Kind::Skipped, kErrorFileExists);
   } else {
     run.tell(item, ItemOutcome::Kind::Failed,
              errorNumber == kErrorNone ? uint32_t{kErrorCopyFailed} : errorNumber, outcome.bytes,

@@ -198,6 +198,14 @@ FileOutcome SingleFile::removeInFavourOf(const std::string& srcPath, const std::
   if (source->device == existing->device && source->inode == existing->inode) {
     return {.errorNumber = kErrorFileExists};
   }
+  // Where deleting it would not make room enough, the existing file is better than none.
+  constexpr uint64_t kBlock = 4096;
+  const uint64_t freed = (existing->size + kBlock - 1) / kBlock * kBlock;
+  const uint64_t freeSize = source->size > freed ? context_.spaces.volumeFreeSpace(destPath) : 0;
+  if (source->size > freed && freeSize < source->size - freed) {
+    context_.log.write(3, kCopying.method, kCopying.spaceMessage, source->size, freeSize);
+    return {.errorNumber = kErrorVolumeFull};
+  }
   auto opened = files_.openForReading(srcPath);
   if (!opened) {
     context_.log.write(3, kCopying.method, kHandleMessage, nullptr, nullptr);

@@ -34,7 +34,8 @@ class SingleFile {
   /// Removes an item, a folder with everything in it.
   FileOutcome remove(const MaybeString& path) const;
   /// Removes what stands where a source is to be copied to. Nothing is given up for a source that cannot be
-  /// read, or for itself: then the number and the words are those that the copy would have ended with.
+  /// read, for one that would not fit even then, or for itself: then the number and the words are those that
+  /// the copy would have ended with.
   FileOutcome removeInFavourOf(const std::string& srcPath, const std::string& destPath) const;
 
   /// Whether what stands at a destination may be deleted for a file: a folder, or what cannot be told from

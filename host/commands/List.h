@@ -1,0 +1,17 @@
+/// umsctl ls: the media on a device.
+#pragma once
+
+#include "Device.h"
+#include "ExitStatus.h"
+
+namespace umsctl {
+
+struct ListOptions {
+  VolumeFolders volumes;
+  uint32_t mediaType = 0;  ///< 0 for all
+  bool tags = false;
+};
+
+ExitStatus listMedia(const ListOptions& options);
+
+}  // namespace umsctl

@@ -1,0 +1,114 @@
+#include "commands/Remove.h"
+
+#include <unistd.h>
+
+#include <cerrno>
+
+#include "Amounts.h"
+#include "Output.h"
+#include "Refusal.h"
+#include "Subtitles.h"
+#include "Terminal.h"
+#include "Transfer.h"
+#include "VolumeBounds.h"
+
+namespace umsctl {
+namespace {
+
+using umsservice::FileSystem;
+using umsservice::FileType;
+
+/// Nothing outside the volumes is deleted, whatever it is called. A link goes, what it leads to stays.
+std::string whyNotDeleted(const VolumeBounds& bounds, FileSystem& files, const std::string& path) {
+  if (!bounds.holdsItem(path)) return VolumeBounds::kElsewhere;
+  auto found = files.linkAttributes(path);
+  if (!found) return found.error().words();
+  return found->type == FileType::Directory ? "it is a folder; umsctl rmdir removes folders" : "";
+}
+
+bool isVideo(Device& device, const std::string& path) {
+  return device.service().checkMediaType(path) == umsservice::kMediaVideo;
+}
+
+std::string counted(size_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+/// What is to go, in words; empty when nothing can.
+std::string planned(Device& device, const Contents& contents) {
+  size_t files = 0, companions = 0;
+  uint64_t bytes = 0;
+  for (size_t i = 0; i < contents.paths.size(); ++i) {
+    if (!contents.objections[i].empty()) continue;
+    ++files;
+    bytes += contents.sizes[i];
+    std::string companion = companionOf(contents.paths[i]);
+    bool isTaken = isVideo(device, contents.paths[i]) && !contents.has(companion);
+    if (isTaken && device.files().exists(companion)) ++companions;
+  }
+  if (files == 0) return "";
+  std::string text = counted(files, "file") + " (" + byteText(bytes) + ")";
+  return companions == 0 ? text : text + " and " + counted(companions, "subtitle file");
+}
+
+/// One line from standard input; nothing at its end. Ctrl-C still ends the program by itself here.
+std::string typedLine() {
+  std::string line;
+  char typed = 0;
+  for (;;) {
+    ssize_t length = ::read(STDIN_FILENO, &typed, 1);
+    if (length < 0 && errno == EINTR) continue;
+    if (length <= 0 || typed == '\n') return line;
+    line += typed;
+  }
+}
+
+bool isAgreed(const std::string& plan) {
+  for (;;) {
+    printToError("Delete " + plan + " from the device? (y/n) ");
+    std::string answer = typedLine();
+    if (answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes") return true;
+    if (answer.empty() || answer == "n" || answer == "N" || answer == "no" || answer == "No") return false;
+  }
+}
+
+bool isAgreed(const RemoveOptions& options, const Objection& objection) {
+  if (options.isAgreed) return true;
+  Device device(options.volumes);
+  std::string plan = planned(device, Contents(device.files(), options.files, objection));
+  if (plan.empty()) return true;  // each file is told with what stands against it
+  if (!canAsk())
+    throw Refusal(ExitStatus::Usage, "",
+                  "nothing is deleted: there is no terminal to ask at (--yes deletes without a question)");
+  return isAgreed(plan);
+}
+
+}  // namespace
+
+ExitStatus removeFiles(const RemoveOptions& options) {
+  const VolumeBounds bounds(options.volumes);
+  auto objection = [&bounds](FileSystem& files, const std::string& path) {
+    return whyNotDeleted(bounds, files, path);
+  };
+  if (!isAgreed(options, objection)) {
+    complain("", "nothing is deleted");
+    return ExitStatus::AllDone;
+  }
+  Transfer transfer(options.volumes, options.files, OnConflict::Skip,
+                    {.done = "deleted", .subtitles = Subtitles::AreRemoved}, objection);
+  Device& device = transfer.device();
+  // A request for videos takes a ".smi" of the same name along; that of a song would be somebody else's, and
+  // one in the list has its own turn.
+  auto sort = [&](size_t index) {
+    const std::string& path = transfer.contents().paths[index];
+    return Transfer::part(isVideo(device, path) && !transfer.contents().has(companionOf(path)));
+  };
+  auto queue = [&](uint32_t serviceID, const umsservice::Array& contents, uint32_t mediaType) {
+    return device.service().deleteContents(serviceID, contents, mediaType, 0);
+  };
+  std::vector<std::string> flushed;
+  for (const Device::Volume& volume : device.volumes()) flushed.push_back(volume.path);
+  return transfer.runByType(sort, queue, flushed);
+}
+
+}  // namespace umsctl

@@ -1,0 +1,19 @@
+/// umsctl sync: media from the computer to whichever volume of a device has room.
+#pragma once
+
+#include "ConflictPolicy.h"
+#include "Device.h"
+#include "ExitStatus.h"
+
+namespace umsctl {
+
+struct SyncOptions {
+  VolumeFolders volumes;
+  uint32_t first = 0;  ///< index of the volume to begin with
+  OnConflict onConflict = OnConflict::NotSaid;
+  std::vector<std::string> files;
+};
+
+ExitStatus syncMedia(const SyncOptions& options);
+
+}  // namespace umsctl
