@@ -134,6 +134,8 @@ XMLElement XMLDocument::root() const {
 
 std::optional<std::string> XMLDocument::bytes() const {
   std::unique_ptr<xmlBuffer, void (*)(xmlBuffer*)> buffer(orOutOfMemory(xmlBufferCreate()), xmlBufferFree);
+  // By default it grows by as much as is written at a time, and copies itself each time.
+  xmlBufferSetAllocationScheme(buffer.get(), XML_BUFFER_ALLOC_DOUBLEIT);
   xmlSaveCtxt* saving =
       orOutOfMemory(xmlSaveToBuffer(buffer.get(), "utf-8", XML_SAVE_FORMAT | XML_SAVE_NO_EMPTY));
   bool saved = xmlSaveDoc(saving, document_.get()) >= 0;
