@@ -6,7 +6,8 @@ if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
 else()
   # This compiler takes the enumerators of a scoped enumeration for shadows of types of the same name, and
   # misfires on std::optional, std::variant and std::string in its optimiser.
-  add_compile_options(-Wshadow=local -Wno-maybe-uninitialized -Wno-restrict -Wno-array-bounds -Wno-stringop-overflow)
+  add_compile_options(-Wshadow=local -Wno-maybe-uninitialized -Wno-restrict -Wno-stringop-overflow
+                      -Wno-array-bounds)
 endif()
 if(UMS_SANITIZE)
   add_compile_options(-fsanitize=${UMS_SANITIZE} -fno-omit-frame-pointer -fno-sanitize-recover=all)

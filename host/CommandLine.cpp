@@ -175,8 +175,8 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   Command chosen;
   for (auto add : {addPush, addDf, addTree, addMkdir, addRmdir}) add(app, chosen);
-  addPodcast(app, chosen, {addVolumes, addOnConflict});
 
+  addPodcast(app, chosen, {addVolumes, addOnConflict});
   try {
     app.parse(forParser(arguments));
   } catch (const CLI::ParseError& error) {
