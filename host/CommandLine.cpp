@@ -298,8 +298,8 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
   app.get_formatter()->column_width(30);
   app.get_formatter()->label("SUBCOMMAND", "COMMAND");
   Command chosen;
-  for (auto add : {addPush, addDf, addTree, addMkdir, addRmdir}) add(app, chosen);
-  for (auto add : {addList, addSync, addPull, addPut, addGet, addSend, addRemove}) add(app, chosen);
+  for (auto add : {addPush, addSync, addPull, addSend, addPut, addGet, addList, addRemove}) add(app, chosen);
+  for (auto add : {addDf, addTree, addMkdir, addRmdir}) add(app, chosen);
   addPodcast(app, chosen, {addVolumes, addOnConflict});
 
   try {
