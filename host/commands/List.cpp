@@ -52,7 +52,7 @@ class Listing {
     if (!readable) return tellUnreadable(volume.path, readable.error());
     if (forEyes_)
       print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
-    for (uint32_t mediaType : {kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
+    for (MediaType mediaType : {kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
       if (options_.mediaType == 0 || options_.mediaType == mediaType) showType(volume, mediaType);
     }
     tellUnreadableFolders(volume);

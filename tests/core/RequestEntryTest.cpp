@@ -114,7 +114,8 @@ TEST_F(RequestEntry, RefusesARequestWithoutContents) {
   addPeer();
   for (const auto& [method, call] : everyEntryPoint()) {
     for (const MaybeArray& empty : {MaybeArray(), MaybeArray(Array())})
-      expectLine(surroundings, 7, method, "Contents Count is 0", [&] { EXPECT_FALSE(call(empty)); });
+      expectLine(surroundings, 7, method, "Contents Count is 0",
+                 [&, &refusing = call] { EXPECT_FALSE(refusing(empty)); });
   }
   EXPECT_FALSE(askedFor.has_value());
   expectNothingQueued();
@@ -124,9 +125,9 @@ TEST_F(RequestEntry, RefusesARequestForWhichThereIsNoMemory) {
   addVolumes();
   addPeer();
   for (const auto& [method, call] : everyEntryPoint()) {
-    expectLine(surroundings, 3, method, "Memory alloc for File Service is FAILED.", [&] {
+    expectLine(surroundings, 3, method, "Memory alloc for File Service is FAILED.", [&, &refusing = call] {
       memoryIsOut = true;
-      bool accepted = call(contents);
+      bool accepted = refusing(contents);
       memoryIsOut = false;
       EXPECT_FALSE(accepted);
     });

@@ -152,7 +152,7 @@ TEST_F(TaggedListing, GoesOnPastOneBadFile) {
   sandbox.folder("internal/c.mp3");  // the reader is asked about folders too
   ASSERT_EQ(::symlink("loop.mp3", (internal + "/loop.mp3").c_str()), 0);
   ASSERT_EQ(::symlink(internal.c_str(), (internal + "/up").c_str()), 0);
-  tags->answer = [this](const std::string& path) {
+  tags->answer = [](const std::string& path) {
     return exists(path) && !path.ends_with("c.mp3") && !path.ends_with("loop.mp3")
                ? MaybeDictionary(tagsOf(path))
                : std::nullopt;

@@ -16,13 +16,13 @@ class CopyFile : public DeviceTest {
   static constexpr uint32_t kRequest = 7;
   static constexpr int32_t kUntouched = 77;
 
-  bool copy(const MaybeString& from, const MaybeString& to) {
+  bool copy(const MaybeString& srcPath, const MaybeString& destPath) {
     error = kUntouched;
-    return service->umsCopyFile(kRequest, from, to, &notifier, &error);
+    return service->umsCopyFile(kRequest, srcPath, destPath, &notifier, &error);
   }
-  bool move(const MaybeString& from, const MaybeString& to) {
+  bool move(const MaybeString& srcPath, const MaybeString& destPath) {
     error = kUntouched;
-    return service->umsMoveFile(kRequest, from, to, &notifier, &error);
+    return service->umsMoveFile(kRequest, srcPath, destPath, &notifier, &error);
   }
   uint32_t number() const { return static_cast<uint32_t>(error); }
 

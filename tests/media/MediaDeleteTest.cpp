@@ -99,7 +99,7 @@ TEST_F(MediaDelete, OfAVideoWithoutACompanionIsAsGood) {
 }
 
 TEST_F(MediaDelete, OfAnotherTypeLeavesCompanionsAlone) {
-  for (uint32_t mediaType : {kMediaMusic, kMediaImage}) {
+  for (MediaType mediaType : {kMediaMusic, kMediaImage}) {
     request.mediaType = mediaType;
     request.contents = Array();
     add("clip.mp4");
