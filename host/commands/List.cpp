@@ -52,7 +52,7 @@ class Listing {
     if (!readable) return tellUnreadable(volume.path, readable.error());
     if (forEyes_)
       print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
-    for (MediaType mediaType : {kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
+    for (uint32_t mediaType : std::vector<uint32_t>{kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
       if (options_.mediaType == 0 || options_.mediaType == mediaType) showType(volume, mediaType);
     }
     tellUnreadableFolders(volume);

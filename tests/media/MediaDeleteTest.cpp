@@ -99,7 +99,7 @@ TEST_F(MediaDelete, OfAVideoWithoutACompanionIsAsGood) {
 }
 
 TEST_F(MediaDelete, OfAnotherTypeLeavesCompanionsAlone) {
-  for (MediaType mediaType : {kMediaMusic, kMediaImage}) {
+  for (uint32_t mediaType : std::vector<uint32_t>{kMediaMusic, kMediaImage}) {
     request.mediaType = mediaType;
     request.contents = Array();
     add("clip.mp4");
