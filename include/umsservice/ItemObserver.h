@@ -32,7 +32,8 @@ struct ItemOutcome {
   std::string reason;        ///< the system's own words for a failure, where there are any
 };
 
-/// Threading: called on the thread that runs the request (the service's worker). Locking: no lock is held.
+/// Threading: called on the thread that runs the request (the service's worker). Locking: no lock is held but
+/// the service's synchronized section.
 /// Exceptions: none may leave the observer.
 class ItemObserver {
  public:

@@ -1,6 +1,7 @@
 /// The two seams of the diagnostic log: where lines go, and how much is written.
 ///
-/// Both are called from every thread of the library, without a lock held.
+/// Both are called from every thread of the library; no lock is held but, in long operations, the service's
+/// synchronized section. No exception may leave either of them.
 #pragma once
 
 #include <cstdint>

@@ -36,7 +36,8 @@ class OVFileService {
   virtual MaybeString modelName() = 0;
   /// Makes a folder on the device, and all folders above it.
   virtual bool createFolder(const MaybeString& path) = 0;
-  /// See `UMSService::syncWriteFileToDevice`.
+  /// See `UMSService::syncWriteFileToDevice`. `callbackObject` and `context` are valid until this call
+  /// returns and are called on the calling thread only.
   virtual bool syncWriteFileToDevice(const MaybeDictionary& fileInformation, const MaybeString& subFolderName,
                                      uint32_t diskIndex, uint32_t mediaType, bool isOverWrite,
                                      const std::shared_ptr<TransferCallback>& callbackObject,

@@ -8,7 +8,9 @@
 
 namespace umsservice {
 
-/// Called on the worker thread, without a lock held. The service does not own its delegate.
+/// `confirmOverwrite` is called on the worker thread, `getFileServiceObject` on the worker and on the thread
+/// that queues a device-to-device request. No lock is held but, on the worker, the service's synchronized
+/// section. The service does not own its delegate.
 class QDDeviceConfirmDelegate {
  public:
   virtual ~QDDeviceConfirmDelegate() = default;

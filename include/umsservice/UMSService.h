@@ -56,7 +56,8 @@ class UMSService final : public OVFileService, public TransferCallback {
   /// 2 while the host marks a transfer; release and disconnect wait for it.
   int32_t fileTransferStatus();
   void setFileTransferStatus(int32_t status);
-  /// Held while a long operation runs. A host that holds it keeps long operations from starting.
+  /// Held while a long operation runs. A host that holds it keeps long operations from starting; it gives the
+  /// section back before it lets go of the service, whose worker may be waiting for it.
   std::recursive_mutex& synchronizedSection();
 
   // ---------------------------------------------------------------- core: volumes and folders

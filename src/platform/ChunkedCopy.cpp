@@ -38,13 +38,22 @@ class Walk {
       : size_(size), mayGoOn_(mayGoOn), report_(report) {}
 
   ChunkedCopyResult run(FileHandle& source, FileHandle& destination) {
-    while (result_.end == ChunkedCopyResult::End::Complete && result_.copied < size_ && asked())
-      copyBlock(source, destination, blockAt(result_.copied));
-    if (written_ > result_.copied) (void)destination.truncate(result_.copied);
+    try {
+      while (result_.end == ChunkedCopyResult::End::Complete && result_.copied < size_ && asked())
+        copyBlock(source, destination, blockAt(result_.copied));
+    } catch (...) {  // out of a handler of the host's
+      cutToAccounted(destination);
+      throw;
+    }
+    cutToAccounted(destination);
     return result_;
   }
 
  private:
+  void cutToAccounted(FileHandle& destination) const {
+    if (written_ > result_.copied) (void)destination.truncate(result_.copied);
+  }
+
   size_t blockAt(uint64_t position) const {
     return static_cast<size_t>(std::min<uint64_t>(size_ - position, kPhysicalBlock));
   }

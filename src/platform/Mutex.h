@@ -68,7 +68,8 @@ class Condition {
     condition_.wait(held);
     held.release();
   }
-  void signal() { condition_.notify_one(); }
+  /// Wakes everybody who waits: each looks for itself whether the signal was meant for it.
+  void signal() { condition_.notify_all(); }
 
  private:
   std::condition_variable condition_;

@@ -91,6 +91,16 @@ TEST_F(RequestQueueThreads, ARequestThatArrivesWhileTheWorkerGoesToSleepIsSeen) 
   EXPECT_EQ(done.load(), kRounds);
 }
 
+TEST_F(RequestQueueThreads, EveryThreadThatServesTheQueueHearsOfItsEnd) {
+  std::vector<std::thread> workers;
+  for (int i = 0; i < 3; ++i)
+    workers.emplace_back([this] { queue.umsFileServiceQueueThread([](_serviceinfo&) {}); });
+  std::this_thread::sleep_for(std::chrono::milliseconds(20));  // so that most often all of them sleep
+  queue.exitServiceThread();
+  for (std::thread& worker : workers) worker.join();
+  EXPECT_EQ(log.count("umsFileServiceQueueThread Exit!"), 3u);
+}
+
 TEST_F(RequestQueueThreads, ASignalWithoutARequestDoesNothing) {
   start();
   for (int i = 0; i < 1000; ++i) queue.signal();

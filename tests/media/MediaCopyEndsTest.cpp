@@ -40,8 +40,12 @@ TEST_F(MediaCopyEnds, BeforeTheNextFileWhenItIsCancelled) {
 }
 
 TEST_F(MediaCopyEnds, ACancelIsAnsweredOnceSoThatTheNextRequestOfTheNumberRuns) {
-  afterTheFirstItem([&] { service->cancelFileAction(kRequest); });
+  afterTheFirstItem([&] {
+    service->cancelFileAction(kRequest);
+    service->cancelFileAction(kRequest);
+  });
   run(toDevice(three()));
+  EXPECT_FALSE(service->isCancelServiceId(kRequest)) << "a cancel that was asked for twice is one cancel";
   notifications.onEach(nullptr);
   EXPECT_TRUE(run(toDevice(Array{source("d.mp3")})));
   EXPECT_EQ(bytesOf(internal + "/Music/d.mp3"), "d.mp3");

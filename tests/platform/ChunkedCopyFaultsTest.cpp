@@ -102,6 +102,17 @@ TEST_F(ChunkedCopyFaults, DoNotHideAStopWhenTheCopyCannotBeCut) {
   EXPECT_EQ(files.count(FileCall::Truncate), 1u);
 }
 
+TEST_F(ChunkedCopyFaults, OutOfAHandlerPassOnAndLeaveOnlyWhatWasAccountedFor) {
+  for (bool inside : {false, true}) {
+    insideSystem = inside;
+    onReport = [](uint64_t copied) {
+      if (copied == 3 * kCopyUnit) throw std::runtime_error("no more");
+    };
+    EXPECT_THROW(run(kSize), std::runtime_error);
+    EXPECT_TRUE(bytesOf(copy) == bytesOf(source).substr(0, 3 * kCopyUnit)) << inside;
+  }
+}
+
 TEST_F(ChunkedCopyFaults, OfAVolumeThatFillsLeaveWholeUnitsOnIt) {
   REQUIRE_TMPFS_VOLUMES();
   TmpfsVolume volume(sandbox.folder("card"), 4 << 20);

@@ -5,6 +5,7 @@
 #include <sstream>
 #include <thread>
 
+#include "DebugLevelPath.h"
 #include "Sandbox.h"
 #include "umsservice/Environment.h"
 
@@ -21,6 +22,12 @@ TEST(RunningSystem, HasEverythingThatIsRequiredAndNothingOptional) {
   EXPECT_EQ(environment.profileInfo, nullptr);
   EXPECT_EQ(environment.mediaInfoFactory, nullptr);
   EXPECT_EQ(environment.itemObserver, nullptr);
+}
+
+TEST(DebugLevelPath, LiesBesideTheProgramOrAmongTheResourcesOfItsBundle) {
+  EXPECT_EQ(debugLevelPath("/usr/bin"), "/usr/bin/DEBUG.plist");
+  EXPECT_EQ(debugLevelPath("/Apps/Host.app/Contents/MacOS"), "/Apps/Host.app/Contents/Resources/DEBUG.plist");
+  EXPECT_EQ(debugLevelPath("/Contents/MacOS/bin"), "/Contents/MacOS/bin/DEBUG.plist");
 }
 
 /// Everything that a body writes to standard error.

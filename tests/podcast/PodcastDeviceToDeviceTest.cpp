@@ -37,6 +37,9 @@ class ScriptedPeer final : public OVFileService {
   std::vector<Write> writes;
 };
 
+/// Bytes of an episode that have been copied when its first progress is posted.
+constexpr size_t kFirstReport = 245 * 4096;
+
 class PodcastDeviceToDevice : public PodcastTest {
  protected:
   PodcastDeviceToDevice() {
@@ -310,6 +313,24 @@ TEST_F(PodcastDeviceToDevice, StopsWhenThisServiceIsReleased) {
   EXPECT_EQ(treeOf(peerDisk + "/Podcast"), (Texts{"News/", "News/1.mp3"}));
   EXPECT_EQ(linesOf(surroundings, kMethod),
             (Lines{"Device Disconnected - location-1", "Podcast XML Data send is failed."}));
+}
+
+TEST_F(PodcastDeviceToDevice, StopsForACancelInTheMiddleOfAnEpisode) {
+  once(kTransferProgressNotification, [&] { service->cancelFileAction(7); });
+  const std::string bytes(2'500'000, 'x');
+  send({channel("News", {onDevice("1.mp3", bytes), onDevice("2.mp3")})});
+  EXPECT_EQ(bytesOf(peerDisk + "/Podcast/News/1.mp3").size(), kFirstReport);
+  EXPECT_FALSE(exists(peerDisk + "/Podcast/News/2.mp3"));
+  EXPECT_EQ(fieldOf(peerIndex("News"), "FilePath"), Texts());
+  EXPECT_FALSE(service->isCancelServiceId(7));
+}
+
+TEST_F(PodcastDeviceToDevice, StopsInTheMiddleOfAnEpisodeWhenThisServiceIsReleased) {
+  once(kTransferProgressNotification, [&] { service->exitServiceThread(); });
+  const std::string bytes(2'500'000, 'x');
+  send({channel("News", {onDevice("1.mp3", bytes), onDevice("2.mp3")})});
+  EXPECT_EQ(treeOf(peerDisk + "/Podcast"), (Texts{"News/", "News/1.mp3"}));
+  EXPECT_EQ(bytesOf(peerDisk + "/Podcast/News/1.mp3").size(), kFirstReport);
 }
 
 }  // namespace

@@ -112,6 +112,20 @@ TEST_F(ServiceHandlers, ThatThrowEndTheirRequestAndNotTheWorker) {
   std::thread([this] { std::lock_guard section(service->synchronizedSection()); }).join();
 }
 
+TEST_F(ServiceHandlers, ThatThrowInACancellationDoNotKeepTheOthersFromBeingAnnounced) {
+  std::lock_guard section(service->synchronizedSection());
+  ASSERT_TRUE(queueShort(1, "1.mp3"));
+  ASSERT_TRUE(waitForDispatchedCopy());
+  for (uint32_t id : {2u, 2u, 3u}) ASSERT_TRUE(queueShort(id, std::to_string(id) + ".mp3"));
+  notifications.onEach([](const Notification&) { throw std::runtime_error("no more"); });
+  EXPECT_THROW(service->cancelFileAction(2), std::runtime_error);
+  EXPECT_EQ(numbers(notifications.all(), key::kServiceID), (std::vector<uint32_t>{2, 2}));
+  EXPECT_FALSE(service->emptyQueue(2));
+  notifications.onEach(nullptr);
+  service->cancelFileAction(3);
+  EXPECT_EQ(numbers(notifications.all(), key::kServiceID), (std::vector<uint32_t>{2, 2, 3}));
+}
+
 TEST_F(ServiceHandlers, MayEndTheThreadOfTheService) {
   onFirstProgress([this] { EXPECT_TRUE(service->exitServiceThread()); });
   ASSERT_TRUE(queueLong(1));

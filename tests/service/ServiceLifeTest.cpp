@@ -132,7 +132,7 @@ TEST_F(ServiceLife, DisconnectingWaitsWhileTheHostMarksATransfer) {
   }
 }
 
-TEST_F(ServiceLife, ReleasingWaitsWhileTheHostMarksATransferAndKeepsTheVolumesUntilThen) {
+TEST_F(ServiceLife, ReleasingWaitsWhileTheHostMarksATransfer) {
   UMSService* released = service.get();
   Array volumes = *service->diskInformation();
   service->cancelFileAction(99);
@@ -149,7 +149,7 @@ TEST_F(ServiceLife, ReleasingWaitsWhileTheHostMarksATransferAndKeepsTheVolumesUn
   EXPECT_FALSE(gone);
   released->setFileTransferStatus(0);
   host.join();
-  EXPECT_EQ(volumes.count(), 0u);
+  EXPECT_EQ(volumes.count(), 2u) << "the host's own hold on the list";
 }
 
 TEST_F(ServiceLife, TheListOfVolumesShowsLaterChangesAndOutlivesTheService) {
@@ -161,7 +161,7 @@ TEST_F(ServiceLife, TheListOfVolumesShowsLaterChangesAndOutlivesTheService) {
   EXPECT_EQ(volumes.count(), 2u);
   EXPECT_EQ(service->volumePath(2), card);
   service.reset();
-  EXPECT_EQ(volumes.count(), 0u);
+  EXPECT_EQ(volumes.count(), 2u);
 }
 
 TEST_F(ServiceLife, AnswersForItsVolumesAndFolders) {

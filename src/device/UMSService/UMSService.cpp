@@ -76,9 +76,8 @@ UMSService::~UMSService() {
   context.cancelList.clear();
   rooms_->queue.signal();
   waitForTransfer(context);
-  context.volumes.clear();
-  context.identity.setLocationID(std::nullopt);
-  context.identity.setModelName(std::nullopt);
+  // Volumes and names go with the rooms, once the worker needs them no more; a list that the host holds
+  // stays.
   context.log.write(6, kMethod, "EXIT");
   if (requestsInHand > 0) {
     worker_.detach();

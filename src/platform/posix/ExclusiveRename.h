@@ -19,6 +19,7 @@ inline int renameAfterLooking(const char* from, const char* to) {
     errno = EEXIST;
     return -1;
   }
+  if (errno != ENOENT) return -1;  // what cannot be looked at may be there
   return ::rename(from, to);
 }
 

@@ -12,6 +12,7 @@
 #include "PosixFileHandle.h"
 #include "RemoveTree.h"
 #include "Retry.h"
+#include "SyncVolume.h"
 #include "umsservice/FileSystem.h"
 
 namespace umsservice {
@@ -188,17 +189,10 @@ class PosixFileSystem final : public FileSystem {
     if (!isUsablePath(path)) return FileError{EINVAL, Action::Writing, path};
     int descriptor = retried([&] { return ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); });
     if (descriptor < 0) return FileError{errno, Action::Writing, path};
-#if defined(__linux__)
-    int result = ::syncfs(descriptor);
-    FileError error{errno, Action::Writing, path};
-#else
-    int result = 0;
-    FileError error{};
-    ::sync();
-#endif
+    FileStatus synced = Done{};
+    if (syncVolumeOf(descriptor) != 0) synced = FileError{errno, Action::Writing, path};
     ::close(descriptor);
-    if (result != 0) return error;
-    return Done{};
+    return synced;
   }
 
  private:

@@ -51,6 +51,11 @@ bool CancelList::removeCancelServiceId(uint32_t serviceID) {
   return position.index.has_value();
 }
 
+void CancelList::removeEvery(uint32_t serviceID) {
+  while (removeCancelServiceId(serviceID)) {
+  }
+}
+
 size_t CancelList::takeOut(uint32_t serviceID) {
   return removeFirst(serviceID).passedOver;
 }

@@ -25,8 +25,11 @@ class CancelList {
   bool isCancelServiceId(uint32_t serviceID) const;
   /// Removes the first entry of that ID; true when there was one.
   bool removeCancelServiceId(uint32_t serviceID);
-  /// The same without log lines, for a caller with a lock in hand: how many entries without a number were
-  /// passed over, to be handed to `logRemovalPassedOver` once the lock is given back.
+  /// Removes all entries of that ID: a user may have cancelled more than once, and none of it is meant for a
+  /// later request of the same number.
+  void removeEvery(uint32_t serviceID);
+  /// Removes the first entry without log lines, for a caller with a lock in hand: how many entries without a
+  /// number were passed over, to be handed to `logRemovalPassedOver` once the lock is given back.
   size_t takeOut(uint32_t serviceID);
   void logRemovalPassedOver(size_t entries) const;
   /// The entry at a 0-based index; nothing past the present end.

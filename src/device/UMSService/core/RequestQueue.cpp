@@ -16,6 +16,25 @@ Mutex& walkOfAnyCancelList() {
   return mutex;
 }
 
+/// Lets each of several handlers of the host's run, and then tells of the first that threw.
+class FirstException {
+ public:
+  template <typename Handler>
+  void guard(Handler&& handler) {
+    try {
+      handler();
+    } catch (...) {
+      if (!first_) first_ = std::current_exception();
+    }
+  }
+  void rethrow() const {
+    if (first_) std::rethrow_exception(first_);
+  }
+
+ private:
+  std::exception_ptr first_;
+};
+
 }  // namespace
 
 bool RequestQueue::enqueue(Record request) {
@@ -106,10 +125,14 @@ bool RequestQueue::takeMatching(uint32_t serviceID, std::vector<Record>& removed
 }
 
 void RequestQueue::announceCancelled(const std::vector<Record>& removed) {
+  FirstException exception;
   for (const Record& record : removed) {
-    reports_.sendCancelProgressEvent(record->serviceID, context_.identity.currentLocationID(),
-                                     record->mediaType, 0, 0, kTransferCancelled);
+    exception.guard([&] {
+      reports_.sendCancelProgressEvent(record->serviceID, context_.identity.currentLocationID(),
+                                       record->mediaType, 0, 0, kTransferCancelled);
+    });
   }
+  exception.rethrow();
 }
 
 bool RequestQueue::emptyQueue(uint32_t serviceID) {
@@ -139,15 +162,17 @@ std::vector<RequestQueue::Cancelled> RequestQueue::takeCancelled() {
 
 void RequestQueue::emptyQueue() {
   constexpr auto kMethod = "-[UMSService emptyQueue]";
+  FirstException exception;
   for (const Cancelled& request : takeCancelled()) {
     if (!request.serviceID) {
       context_.log.always(kMethod, "Cancel Service ID Value is nil.");
       continue;
     }
-    announceCancelled(request.records);
+    exception.guard([&] { announceCancelled(request.records); });
     context_.cancelList.logRemovalPassedOver(request.passedOver);
     context_.log.write(7, kMethod, "Cancel Service ID : 0x%08x", *request.serviceID);
   }
+  exception.rethrow();
 }
 
 void RequestQueue::cancelFileAction(uint32_t serviceID) {

@@ -17,7 +17,6 @@ class VolumeRegistry {
   /// Removes the first volume that is equal to the argument, "diskIndex" included; the others keep their
   /// index.
   void removeDiskInformation(const MaybeDictionary& diskInformation);
-  void clear() { volumes_.assign({}); }
 
   /// The list itself: later changes show in it.
   Array diskInformation() const { return volumes_; }

@@ -1,5 +1,6 @@
 #include "DeviceToDevice.h"
 
+#include "PeerProgress.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
 
@@ -15,33 +16,6 @@ bool wasStopped(const FileOutcome& outcome) {
 
 }  // namespace
 
-/// What the destination reports to: this device's reports, and NO once this run has to end. The destination
-/// knows nothing of a cancel or a shutdown on this side.
-class DeviceToDevice::Progress final : public TransferCallback {
- public:
-  Progress(MediaTools& tools, uint32_t serviceID) : tools_(tools), serviceID_(serviceID) {}
-
-  bool transferProgressInfo(TransferContext* context, uint32_t maxTransferSize,
-                            uint32_t currentTransferSize) override {
-    return tools_.reports.transferProgressInfo(context, maxTransferSize, currentTransferSize) &&
-           mayGoOn(maxTransferSize, currentTransferSize);
-  }
-  bool transferProgressInfoEx(TransferContext* context, uint64_t maxTransferSize,
-                              uint64_t currentTransferSize) override {
-    return tools_.reports.transferProgressInfoEx(context, maxTransferSize, currentTransferSize) &&
-           mayGoOn(maxTransferSize, currentTransferSize);
-  }
-
- private:
-  bool mayGoOn(uint64_t maxTransferSize, uint64_t currentTransferSize) const {
-    if (currentTransferSize >= maxTransferSize) return true;  // the file is complete
-    return !tools_.context.isReleased() && !tools_.context.cancelList.isCancelServiceId(serviceID_);
-  }
-
-  MediaTools& tools_;
-  const uint32_t serviceID_;
-};
-
 bool DeviceToDevice::run() {
   if (!findDestination()) return false;
   if (request_.mediaType == kMediaPodcast) {
@@ -51,7 +25,7 @@ bool DeviceToDevice::run() {
   MediaRun run(tools_, request_, kMethod, request_.srcLocationID, request_.destLocationID,
                destination_->modelName());
   if (request_.playlistName) run.notifier().setPlaylistName(request_.playlistName);
-  progress_ = std::make_shared<Progress>(tools_, request_.serviceID);
+  progress_ = std::make_shared<PeerProgress>(tools_, request_.serviceID);
   for (size_t i = 0; i < run.count(); ++i) {
     if (sendItem(run, run.item(i)) == Next::EndRun) break;
   }

@@ -22,8 +22,6 @@ class DeviceToDevice {
  private:
   using Next = MediaRun::Next;
 
-  class Progress;
-
   bool findDestination();
   Next sendItem(MediaRun& run, MediaItem item);
   FileOutcome write(MediaRun& run, const MediaItem& item, bool isOverWrite);

@@ -103,7 +103,7 @@ std::optional<MediaRun::Next> MediaRun::settleConflict(const MediaItem& item,
 bool MediaRun::endsForCancel(const MediaItem& item) {
   if (!cancelList_.isCancelServiceId(request_.serviceID)) return false;
   notifier_.cancelFileTransfer();
-  cancelList_.removeCancelServiceId(request_.serviceID);
+  cancelList_.removeEvery(request_.serviceID);
   tellRestNotReached(item.index, kErrorStopped);
   return true;
 }
@@ -119,7 +119,7 @@ bool MediaRun::endsForRelease(const MediaItem& item) {
 
 MediaRun::Next MediaRun::stopped(const MediaItem& item, const FileOutcome& outcome) {
   notifier_.cancelFileTransfer();
-  cancelList_.removeCancelServiceId(request_.serviceID);
+  cancelList_.removeEvery(request_.serviceID);
   tell(item, ItemOutcome::Kind::NotReached, outcome.errorNumber.value_or(kErrorStopped), outcome.bytes);
   tellRestNotReached(item.index + 1, kErrorStopped);
   return Next::EndRun;

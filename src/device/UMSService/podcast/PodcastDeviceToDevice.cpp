@@ -1,5 +1,6 @@
 #include "PodcastDeviceToDevice.h"
 
+#include "PeerProgress.h"
 #include "StringPaths.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
@@ -33,6 +34,7 @@ bool PodcastDeviceToDevice::run() {
                           request_.storageIndex};
   scope.bytes = tools_.sizes.totalPodcastFileSize(request_.contents, scope.episodes);
   PodcastRun run(tools_, request_, scope);
+  progress_ = std::make_shared<PeerProgress>(tools_.media, request_.serviceID);
   for (const PodcastChannel& channel : run.channels()) {
     if (run.endsForCancel(kMethod) || !sendChannel(run, channel)) break;
   }
@@ -84,15 +86,13 @@ PodcastDeviceToDevice::Next PodcastDeviceToDevice::sendEpisode(PodcastRun& run, 
 
 FileOutcome PodcastDeviceToDevice::write(PodcastRun& run, const ChannelPlace& place,
                                          const PodcastEpisode& episode) {
-  // Borrowed for the call: the reports live as long as this run does.
-  const std::shared_ptr<TransferCallback> callback(std::shared_ptr<void>(), &tools_.media.reports);
   OVUmsDeviceNotifier& notifier = run.notifier();
   const uint64_t before = notifier.currentTransferSize();
   uint32_t errorNumber = kErrorNone;  // the destination leaves it alone after a good write
   FileOutcome outcome;
   outcome.result =
       destination_->syncWriteFileToDevice(describedFor(episode), place.name, request_.storageIndex,
-                                          request_.mediaType, false, callback, &notifier, &errorNumber);
+                                          request_.mediaType, false, progress_, &notifier, &errorNumber);
   outcome.errorNumber = errorNumber;
   outcome.bytes = notifier.currentTransferSize() - before;
   run.setError(errorNumber);

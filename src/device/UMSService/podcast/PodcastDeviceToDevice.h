@@ -37,6 +37,7 @@ class PodcastDeviceToDevice {
   const _serviceinfo& request_;
   std::shared_ptr<QDDeviceConfirmDelegate> delegate_;
   std::shared_ptr<OVFileService> destination_;
+  std::shared_ptr<TransferCallback> progress_;
   bool status_ = true;
 };
 

@@ -97,9 +97,7 @@ bool PodcastRun::endsForRelease(const char* method) {
 void PodcastRun::finish() {
   ledger_.countRest({Kind::NotReached, kErrorStopped});
   if (!cancelled_) return;
-  // A user may have cancelled more than once; none of it is meant for a later request of the same number.
-  while (context_.cancelList.removeCancelServiceId(request_.serviceID)) {
-  }
+  context_.cancelList.removeEvery(request_.serviceID);
 }
 
 std::optional<ChannelPlace> PodcastRun::placeOf(const PodcastChannel& channel,

@@ -1,0 +1,11 @@
+#include <unistd.h>
+
+#include "SyncVolume.h"
+
+namespace umsservice {
+
+int syncVolumeOf(int descriptor) {
+  return ::syncfs(descriptor);
+}
+
+}  // namespace umsservice
