@@ -17,7 +17,7 @@ namespace {
 
 /// What a document may have besides its length and depth. An index of the longest length has fewer.
 namespace Limits {
-constexpr size_t kElements = 1'200'000;
+constexpr size_t kElements = 1'400'000;
 /// Bytes of one tag or declaration: names and attributes in it are compared with each other.
 constexpr size_t kMarkup = size_t{64} << 10;
 /// Bytes of the document type, which is compared with every element.

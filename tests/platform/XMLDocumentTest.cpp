@@ -194,6 +194,10 @@ TEST_F(XMLDocument, AcceptsThirtyTwoMebibytesAndNoMore) {
   EXPECT_EQ(refusal(start + text + "x" + end), "the document is longer than 32 MiB");
 }
 
+TEST_F(XMLDocument, AcceptsAsManyElementsAsTheLongestIndexHas) {
+  EXPECT_EQ(refusal("<a>" + repeated("<b/>", 1'310'000) + "</a>"), "");
+}
+
 TEST_F(XMLDocument, IsNotWrittenWhenItCouldNotBeReadBack) {
   Document document("a");
   document.root().append("b", repeated("x", Document::kLongest));

@@ -105,8 +105,33 @@ TEST_F(PodcastCopyConflict, EndsTheRunWhenTheDeviceGoesBeforeTheSecondCopy) {
   };
   EXPECT_FALSE(copy(again));
   EXPECT_TRUE(log.has("Device Disconnected - location-1"));
+  EXPECT_EQ(onDevice(), (Texts{"old 1", "old 2"})) << "nothing goes for a copy that is not made";
   EXPECT_EQ(newOutcomes(),
             (Texts{"0 not reached $/in/1.mp3 0x10000008", "1 not reached $/in/2.mp3 0x10000008"}));
+}
+
+TEST_F(PodcastCopyConflict, KeepsTheOldFileOfARequestThatIsCancelledWhileTheQuestionIsOpen) {
+  useDelegate();
+  delegate.onAsk = [this](const std::string&) {
+    service->cancelFileAction(7);
+    return ScriptedDelegate::Answer{true, true, false};
+  };
+  copy(again);
+  EXPECT_EQ(onDevice(), (Texts{"old 1", "old 2"}));
+  EXPECT_EQ(numbers(progress(), key::kTransferStatus).back(), 3u);
+  EXPECT_FALSE(service->isCancelServiceId(7));
+}
+
+TEST_F(PodcastCopyConflict, KeepsTheOldFileWhenItCannotBeDeletedAndGoesOn) {
+  useDelegate();
+  delegate.answer = {true, true, false};
+  files.failAlways(FileCall::Remove, "1.mp3", EACCES);
+  EXPECT_TRUE(copy(again));
+  EXPECT_EQ(onDevice(), (Texts{"old 1", "new 2"}));
+  EXPECT_EQ(lastFailCount(), 1u);
+  EXPECT_EQ(newOutcomes()[0], "0 failed $/in/1.mp3 0x20000003");
+  EXPECT_TRUE(
+      log.has("Podcast Download " + sandbox.at("in/1.mp3") + " to " + podcasts + "/News/1.mp3 failed."));
 }
 
 }  // namespace

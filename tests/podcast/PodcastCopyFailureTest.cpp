@@ -115,7 +115,7 @@ TEST_F(PodcastCopyFailure, NeverTakesAnEpisodesNameForItsFolder) {
   copy({channel("News", {episode("1.mp3")})});
   useDelegate();
   delegate.answer = {true, true, true};
-  for (const char* path : {"", "/", "/in/..", "/in/."}) {
+  for (const char* path : {"", "/", "/in/..", "/in/.", "/in/ ", "/in/\t"}) {
     Dictionary bad{{"Url", path}, {key::kFilePath, path}};
     EXPECT_TRUE(copy({channel("News", {bad})}));
     EXPECT_EQ(treeOf(podcasts), (Texts{"News/", "News/1.mp3", "News/News.xml"})) << path;

@@ -211,6 +211,33 @@ TEST_F(PodcastDelete, KeepsTheFilesOfAChannelWhoseIndexIsDamagedOrGone) {
   }
 }
 
+TEST_F(PodcastDelete, KeepsTheFilesOfAChannelWhoseIndexWasDamagedBeforeItWasListedAndFilledAgain) {
+  for (bool filled : {false, true}) {
+    putThreeEpisodes();
+    sandbox.file("internal/Podcast/News/News.xml", "damaged");
+    service->umsPodcastXmlData(news + "/News.xml");
+    if (filled) copy({channel("News", {episode("4.mp3")})});
+    EXPECT_TRUE(remove({channel("News", {onDevice(filled ? "4.mp3" : "1.mp3")})}));
+    EXPECT_TRUE(exists(news + "/2.mp3"));
+    EXPECT_TRUE(exists(news + "/3.mp3"));
+    EXPECT_TRUE(exists(news + "/News.xml.damaged"));
+    std::filesystem::remove_all(news);
+  }
+}
+
+TEST_F(PodcastDelete, StaysOnAVolumeWhoseMountPointNamesMayNotHave) {
+  const std::string odd = sandbox.folder("m: x/Podcast");
+  sandbox.file("m: x/Podcast/News/1.mp3", "one");
+  sandbox.file("m_ x/Podcast/News/1.mp3", "another device's");
+  Dictionary gone = episode("1.mp3");
+  gone.set(key::kFilePath, odd + "/News/1.mp3");
+  _serviceinfo record = request({channel("News", {gone})});
+  record.destPath = odd;
+  EXPECT_TRUE(service->doDeletePodcastContents(record));
+  EXPECT_FALSE(exists(odd + "/News/1.mp3"));
+  EXPECT_EQ(bytesOf(sandbox.at("m_ x/Podcast/News/1.mp3")), "another device's");
+}
+
 TEST_F(PodcastDelete, RemovesTheFolderOfAChannelWithoutAnIndexWhenNothingIsLeftInIt) {
   sandbox.file("internal/Podcast/News/1.mp3", "one");
   sandbox.file("internal/Podcast/News/.hidden", "");

@@ -137,7 +137,7 @@ TEST_F(PodcastFallOver, CountsEveryEpisodeWhenTheFolderCannotBeMade) {
   EXPECT_EQ(outcomes()[0], "0 failed $/in/1.mp3 0x20000002");
 }
 
-TEST_F(PodcastFallOver, StopsForACancelBetweenAndInsideEpisodes) {
+TEST_F(PodcastFallOver, StopsForACancelBetweenEpisodes) {
   addThirdVolume();
   once(kMediaResultNotification, [&] { service->cancelFileAction(7); });
   sync({channel("News", {episode("1.mp3"), large("2.mp3")}), channel("Arts", {episode("3.mp3")})});
@@ -148,6 +148,23 @@ TEST_F(PodcastFallOver, StopsForACancelBetweenAndInsideEpisodes) {
   EXPECT_FALSE(service->isCancelServiceId(7));
   EXPECT_EQ(outcomes(), (Texts{"0 done $/in/1.mp3 0x00000000", "1 not reached $/in/2.mp3 0x10000008",
                                "2 not reached $/in/3.mp3 0x10000008"}));
+}
+
+TEST_F(PodcastFallOver, StopsForACancelInsideAnEpisodeAndListsItNot) {
+  once(kTransferProgressNotification, [&] { service->cancelFileAction(7); });
+  const std::string bytes(2'500'000, 'x');
+  sync({channel("News", {episode("1.mp3", bytes), episode("2.mp3")})});
+  EXPECT_EQ(bytesOf(card + "/Podcast/News/1.mp3").size(), 245u * 4096);
+  EXPECT_FALSE(exists(card + "/Podcast/News/2.mp3"));
+  EXPECT_EQ(fieldOf(service->checkXmlData(card + "/Podcast/News", "News"), "FilePath"), Texts());
+  EXPECT_FALSE(service->isCancelServiceId(7));
+}
+
+TEST_F(PodcastFallOver, OfAChannelThatFitsNowhereLeavesTheResultOfTheChannelBefore) {
+  Dictionary tooLarge = episode("2.mp3");
+  tooLarge.set("Length", uint64_t{1} << 50);
+  EXPECT_TRUE(sync({channel("News", {large("1.mp3")}), channel("Arts", {tooLarge})}));
+  EXPECT_FALSE(exists(card + "/Podcast/Arts"));
 }
 
 TEST_F(PodcastFallOver, StopsWhenTheServiceIsReleased) {

@@ -297,5 +297,15 @@ TEST_F(PodcastSync, JoinsVolumeAndFolderWithNothingBetweenByTheRulesOfTheHost) {
   EXPECT_TRUE(exists(volumes + "/PHONEPodcast/News/1.mp3"));
 }
 
+TEST_F(PodcastSync, StopsForACancelInsideAnEpisodeAndListsItNot) {
+  once(kTransferProgressNotification, [&] { service->cancelFileAction(7); });
+  const std::string bytes(2'500'000, 'x');
+  sync({channel("News", {episode("1.mp3", bytes), episode("2.mp3")})});
+  EXPECT_EQ(bytesOf(podcasts + "/News/1.mp3").size(), 245u * 4096);
+  EXPECT_FALSE(exists(podcasts + "/News/2.mp3"));
+  EXPECT_EQ(fieldOf(indexOf("News"), "FilePath"), Texts());
+  EXPECT_FALSE(service->isCancelServiceId(7));
+}
+
 }  // namespace
 }  // namespace umsservice::testing

@@ -79,6 +79,9 @@ FileOutcome MediaRun::copyFile(const MediaItem& item) {
 }
 
 std::optional<MediaRun::Next> MediaRun::replaceExisting(const MediaItem& item, FileOutcome& outcome) {
+  // The question may have been open for long: nothing is removed any more for a copy that will not be made.
+  if (endsForRelease(item)) return Next::EndRun;
+  if (cancelList_.isCancelServiceId(request_.serviceID)) return stopped(item, {.errorNumber = kErrorStopped});
   outcome = tools_.files.removeInFavourOf(*item.filePath, *item.destPath);
   lastResult_ = outcome.result;
   if (!outcome.result) return std::nullopt;

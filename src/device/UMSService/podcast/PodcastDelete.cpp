@@ -119,13 +119,23 @@ PodcastDelete::Next PodcastDelete::deleteEpisode(PodcastRun& run, Shrinking& cha
 /// The full path of an episode's file; nil for what can be no episode's: a folder, and a path that leads out
 /// of the folder that it seems to lie in. Deleting such a thing would cost more than an episode.
 MaybeString PodcastDelete::fileOf(const Dictionary& episode) const {
-  MaybeString file = convertAvailableString(context_.log, episode.string(key::kFilePath));
+  MaybeString file = cleaned(episode.string(key::kFilePath));
   if (!file || file->empty()) return std::nullopt;
   for (const std::string& component : pathComponents(*file)) {
     if (component == "." || component == "..") return std::nullopt;
   }
   auto found = context_.files().linkAttributes(*file);
   return found && found->type == FileType::Directory ? std::nullopt : file;
+}
+
+/// A path as the copy has cleaned it. The mount point is the host's and may have characters in it that names
+/// on a player may not have; cleaned, it could be another volume.
+MaybeString PodcastDelete::cleaned(const MaybeString& path) const {
+  const std::string folder = request_.destPath.value_or("");
+  if (folder.empty() || !path || !path->starts_with(folder + "/"))
+    return convertAvailableString(context_.log, path);
+  MaybeString inside = convertAvailableString(context_.log, path->substr(folder.size()));
+  return inside ? MaybeString(folder + *inside) : std::nullopt;
 }
 
 uint64_t PodcastDelete::sizeOf(const std::string& file) const {
@@ -135,7 +145,9 @@ uint64_t PodcastDelete::sizeOf(const std::string& file) const {
 
 PodcastDelete::Next PodcastDelete::deleted(PodcastRun& run, Shrinking& channel, const Dictionary& episode,
                                            const std::string& file, uint64_t bytes) {
+  const size_t before = channel.index.episodeCount();
   channel.index.remove(episode);
+  channel.hasShrunk |= channel.index.episodeCount() < before;
   Dictionary podcast = channel.index.dictionary();
   if (channel.index.episodeCount() == 0 && (channel.folderGone || mayRemoveFolder(channel))) {
     if (!channel.folderGone && run.endsForRelease(kMethod)) {
@@ -160,14 +172,20 @@ void PodcastDelete::removeFolder(PodcastRun& run, Shrinking& channel) {
   channel.folderGone = true;
 }
 
-/// The host may have named only some of the episodes: without an index on the device to say that these were
-/// all, the folder goes only when nothing but its index is left in it.
+/// The host may have named only some of the episodes. An index on the device says that these were all, unless
+/// it never had them or has replaced a damaged one, which may have known more; without its word the folder
+/// goes only when nothing but indexes is left in it.
 bool PodcastDelete::mayRemoveFolder(const Shrinking& channel) const {
-  if (channel.index.origin() == ChannelIndex::Origin::DeviceFile) return true;
   auto left = context_.files().list(channel.place.folder);
-  return left && std::all_of(left->begin(), left->end(), [&](const DirectoryEntry& entry) {
-           return isHiddenName(entry.name) || entry.name.starts_with(channel.place.name + ".xml");
-         });
+  if (!left) return false;
+  const std::string index = channel.place.name + ".xml";
+  auto isDamaged = [&](const DirectoryEntry& entry) { return entry.name.starts_with(index + ".damaged"); };
+  auto isIndex = [&](const DirectoryEntry& entry) {
+    return isHiddenName(entry.name) || entry.name.starts_with(index);
+  };
+  const bool isToldAll = channel.hasShrunk && channel.index.origin() == ChannelIndex::Origin::DeviceFile &&
+                         std::none_of(left->begin(), left->end(), isDamaged);
+  return isToldAll || std::all_of(left->begin(), left->end(), isIndex);
 }
 
 void PodcastDelete::show(PodcastRun& run, const Shrinking& channel, const std::string& file,

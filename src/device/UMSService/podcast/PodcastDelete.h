@@ -25,6 +25,7 @@ class PodcastDelete {
     const ChannelPlace& place;
     ChannelIndex index;
     bool folderGone = false;
+    bool hasShrunk = false;  ///< whether an episode has left the index
   };
 
   /// False ends the run.
@@ -32,6 +33,7 @@ class PodcastDelete {
   bool deleteWholeChannel(PodcastRun& run, const PodcastChannel& channel, const ChannelPlace& place);
   Next deleteEpisode(PodcastRun& run, Shrinking& channel, const Value& element);
   MaybeString fileOf(const Dictionary& episode) const;
+  MaybeString cleaned(const MaybeString& path) const;
   uint64_t sizeOf(const std::string& file) const;
   Next deleted(PodcastRun& run, Shrinking& channel, const Dictionary& episode, const std::string& file,
                uint64_t bytes);

@@ -16,6 +16,7 @@ constexpr PodcastChannelSync::Manner kManner = {
 
 uint32_t PodcastFallOver::place(const PodcastChannel& channel, uint32_t failedIndex) {
   written_ = false;
+  tried_ = false;
   if (!isPossible(channel, failedIndex)) {
     run_.ledger().settle(channel, {ItemOutcome::Kind::Failed, kErrorInvalidInput});
     return kErrorInvalidInput;
@@ -92,6 +93,7 @@ PodcastFallOver::Step PodcastFallOver::tryVolume(const PodcastChannel& channel, 
   run_.ledger().attempt(channel);
   PodcastChannelSync sync(tools_, run_, request_.serviceID, kManner);
   auto end = sync.sync(channel, *place, placement.fallOverFolder(*podcastFolder, *folder));
+  tried_ = true;
   written_ = end == PodcastChannelSync::End::Written;
   return written_ || run_.isOver() ? Step::Finished : Step::NextVolume;
 }

@@ -19,6 +19,8 @@ class PodcastFallOver {
   uint32_t place(const PodcastChannel& channel, uint32_t failedIndex);
   /// Whether an index was written for the last channel.
   bool wasWritten() const { return written_; }
+  /// Whether a folder was made or an index written for the last channel, or at least tried.
+  bool wasTried() const { return tried_; }
 
  private:
   enum class Step { NextVolume, Finished };
@@ -34,6 +36,7 @@ class PodcastFallOver {
   const _serviceinfo& request_;
   std::vector<Value> paths_;  ///< of the channel's episodes, as the host gave them
   bool written_ = false;
+  bool tried_ = false;
 };
 
 }  // namespace umsservice

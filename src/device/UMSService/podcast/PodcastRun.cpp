@@ -163,7 +163,9 @@ std::optional<PodcastRun::Next> PodcastRun::resolve(const Value& element, const 
     context_.log.write(1, method, "Episode Medias File Path is nil.");
     return refused(refusals.nilSource, observed);
   }
-  episode.target = episodeTarget(context_.log, place.folder, *episode.source, refusals.cleansNames);
+  // A name of blanks alone is cleaned away, and what is left names the folder.
+  if (!episode.source->ends_with('/'))
+    episode.target = episodeTarget(context_.log, place.folder, *episode.source, refusals.cleansNames);
   if (!episode.target) {
     context_.log.write(1, method, "Target Episode Path is nil. Next episode processing.");
     return refused(refusals.nilTarget, observed);
@@ -192,6 +194,10 @@ std::optional<PodcastRun::Next> PodcastRun::settleConflict(const PodcastEpisode&
 
 std::optional<PodcastRun::Next> PodcastRun::replaceExisting(const PodcastEpisode& episode,
                                                             FileOutcome& outcome, const char* method) {
+  // The question may have been open for long: nothing is removed any more for a copy that will not be made.
+  if (endsForRelease(method)) return Next::EndOfChannel;
+  if (context_.cancelList.isCancelServiceId(request_.serviceID))
+    return stopped(episode, {.errorNumber = kErrorStopped});
   outcome = tools_.media.files.removeInFavourOf(*episode.source, *episode.target);
   error_ = outcome.errorNumber.value_or(error_);
   if (!outcome.result) return std::nullopt;

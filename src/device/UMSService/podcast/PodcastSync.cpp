@@ -68,7 +68,7 @@ void PodcastSync::tryOtherVolumes(PodcastRun& run, const PodcastChannel& channel
   context_.log.write(5, kMethod, "%@ volume not enought memory. Send Next volume", volumePath_);
   PodcastFallOver fallOver(tools_, run, request_);
   const uint32_t answer = fallOver.place(channel, storageIndex_);
-  status_ = fallOver.wasWritten();
+  if (fallOver.wasTried()) status_ = fallOver.wasWritten();
   run.notifier().setTransferResult(answer);
   if (answer == kErrorNone) return;
   run.notifier().addFailTransferFileCount(static_cast<uint32_t>(channel.episodes->size()));
