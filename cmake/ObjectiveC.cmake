@@ -5,18 +5,40 @@
 #   - with clang on Linux: GNUstep base is built for the other compiler's runtime, whose headers clang has not
 #   - with the thread sanitizer: the Objective-C runtime and Foundation are not instrumented, so what their locks
 #     order looks like a race
-set(UMS_PLUGIN_DEFAULT OFF)
-if(APPLE)
-  set(UMS_PLUGIN_DEFAULT ON)
-elseif(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT UMS_SANITIZE MATCHES "thread")
+
+# Looked for at each configuration, as GNUstep may be installed between two of them.
+set(UMS_PLUGIN AUTO CACHE STRING "Build UMSService.bundle, the Objective-C plug-in: ON, OFF, or AUTO, if it can be")
+if(NOT APPLE)
   find_program(GNUSTEP_CONFIG gnustep-config)
-  execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-prog-name=cc1objplus OUTPUT_VARIABLE objcxx_compiler
-                  OUTPUT_STRIP_TRAILING_WHITESPACE)
-  if(GNUSTEP_CONFIG AND IS_ABSOLUTE "${objcxx_compiler}")
-    set(UMS_PLUGIN_DEFAULT ON)
-  endif()
 endif()
-option(UMS_PLUGIN "Build UMSService.bundle, the Objective-C plug-in" ${UMS_PLUGIN_DEFAULT})
+
+function(find_objective_c result)
+  set(${result} OFF PARENT_SCOPE)
+  if(NOT APPLE)
+    if(NOT CMAKE_CXX_COMPILER_ID STREQUAL "GNU" OR UMS_SANITIZE MATCHES "thread" OR NOT GNUSTEP_CONFIG)
+      return()
+    endif()
+    # A driver without these parts answers with their bare names.
+    foreach(part cc1obj cc1objplus)
+      execute_process(COMMAND ${CMAKE_CXX_COMPILER} -print-prog-name=${part} OUTPUT_VARIABLE program
+                      OUTPUT_STRIP_TRAILING_WHITESPACE)
+      if(NOT IS_ABSOLUTE "${program}")
+        return()
+      endif()
+    endforeach()
+    execute_process(COMMAND ${GNUSTEP_CONFIG} --variable=GNUSTEP_SYSTEM_HEADERS OUTPUT_VARIABLE headers
+                    OUTPUT_STRIP_TRAILING_WHITESPACE)
+    if(NOT EXISTS "${headers}/Foundation/Foundation.h")
+      return()
+    endif()
+  endif()
+  set(${result} ON PARENT_SCOPE)
+endfunction()
+
+if(UMS_PLUGIN STREQUAL "AUTO")
+  find_objective_c(UMS_PLUGIN)
+  message(STATUS "UMSService.bundle: ${UMS_PLUGIN}")
+endif()
 if(NOT UMS_PLUGIN)
   return()
 endif()
@@ -38,7 +60,7 @@ target_compile_options(foundation INTERFACE "$<$<COMPILE_LANGUAGE:OBJCXX>:-std=c
                                             "$<$<COMPILE_LANGUAGE:OBJC>:-std=gnu11;-Wno-pedantic>"
                                             "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-Wno-unused-parameter>")
 if(APPLE)
-  target_compile_options(foundation INTERFACE -fno-objc-arc)
+  target_compile_options(foundation INTERFACE "$<$<COMPILE_LANGUAGE:OBJC,OBJCXX>:-fno-objc-arc>")
   target_link_libraries(foundation INTERFACE "-framework Foundation")
   return()
 endif()
