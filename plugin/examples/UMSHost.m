@@ -85,6 +85,12 @@
 
 @end
 
+/// Bundles are only found under full paths.
+static NSString* fullPath(NSString* path) {
+  if ([path isAbsolutePath]) return path;
+  return [[[NSFileManager defaultManager] currentDirectoryPath] stringByAppendingPathComponent:path];
+}
+
 static NSBundle* installedBundle(void) {
   for (NSString* library in NSSearchPathForDirectoriesInDomains(NSLibraryDirectory, NSAllDomainsMask, YES)) {
     NSString* path = [library stringByAppendingPathComponent:@"Bundles/UMSService.bundle"];
@@ -141,7 +147,7 @@ int main(void) {
   [arguments removeObjectAtIndex:0];
   NSBundle* bundle = nil;
   if ([arguments count] > 1 && [[arguments objectAtIndex:0] isEqualToString:@"--bundle"]) {
-    bundle = [NSBundle bundleWithPath:[arguments objectAtIndex:1]];
+    bundle = [NSBundle bundleWithPath:fullPath([arguments objectAtIndex:1])];
     [arguments removeObjectsInRange:NSMakeRange(0, 2)];
   } else {
     bundle = installedBundle();

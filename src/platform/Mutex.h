@@ -68,7 +68,8 @@ class Condition {
     condition_.wait(held);
     held.release();
   }
-  void signal() { condition_.notify_one(); }
+  /// Wakes everyone who waits.
+  void broadcast() { condition_.notify_all(); }
 
  private:
   std::condition_variable condition_;

@@ -25,6 +25,15 @@
 - (BOOL)waitFor:(NSString*)name count:(NSUInteger)count;
 @end
 
+/// A list whose elements a test chooses one by one, nil included.
+@interface OddArray : NSArray {
+ @private
+  id* _elements;
+  NSUInteger _count;
+}
+- (id)initWithElements:(const id*)elements count:(NSUInteger)count;
+@end
+
 namespace umsplugin::testing {
 
 using umsservice::testing::bytesOf;

@@ -73,6 +73,28 @@ struct EarState {
 
 @end
 
+@implementation OddArray
+- (id)initWithElements:(const id*)elements count:(NSUInteger)count {
+  if ((self = [super init])) {
+    _elements = new id[count];
+    _count = count;
+    for (NSUInteger i = 0; i < count; ++i) _elements[i] = [elements[i] retain];
+  }
+  return self;
+}
+- (void)dealloc {
+  for (NSUInteger i = 0; i < _count; ++i) [_elements[i] release];
+  delete[] _elements;
+  [super dealloc];
+}
+- (NSUInteger)count {
+  return _count;
+}
+- (id)objectAtIndex:(NSUInteger)index {
+  return _elements[index];
+}
+@end
+
 namespace umsplugin::testing {
 
 NSBundle* loadedBundle() {

@@ -28,6 +28,23 @@ static std::atomic<int> mayfliesGone;
 }
 @end
 
+/// A callback that lets go of the service at the first bytes.
+@interface Releaser : NSObject {
+ @public
+  UMSService* service;
+}
+@end
+
+@implementation Releaser
+- (BOOL)transferProgressInfo:(id)context
+             maxTransferSize:(unsigned int)maxTransferSize
+         currentTransferSize:(unsigned int)currentTransferSize {
+  [service release];
+  service = nil;
+  return YES;
+}
+@end
+
 namespace umsplugin::testing {
 namespace {
 
@@ -96,6 +113,39 @@ TEST_F(Life, EndsInAHandlerOnTheWorker) {
   EXPECT_EQ([[ear named:kItemResult] count], 1u);
   EXPECT_TRUE(exists(internal + "/Music/song0.mp3"));
   EXPECT_FALSE(exists(internal + "/Music/song1.mp3"));
+}
+
+TEST_F(Life, EndsInAHandlerOfACallOfTheHost) {
+  UMSService* service = takeOver(makeDevice());
+  bool released = false;
+  onEach([&](NSNotification*) {
+    if (!std::exchange(released, true)) [service release];
+  });
+  _serviceinfo record = {};
+  record.command = 213;
+  record.mediaType = 1;
+  record.destPath = string(internal + "/Music");
+  record.contents = songs(3);
+  [service doUmsFileService:&record];
+  EXPECT_TRUE(released);
+  EXPECT_TRUE(exists(internal + "/Music/song0.mp3"));
+  EXPECT_FALSE(exists(internal + "/Music/song2.mp3"));
+}
+
+TEST_F(Life, EndsInACallbackOfADirectTransfer) {
+  Releaser* releaser = [[[Releaser alloc] init] autorelease];
+  releaser->service = takeOver(makeDevice());
+  unsigned int error = 77;
+  EXPECT_FALSE([releaser->service writeFileToDevice:[songs(1) lastObject]
+                                    destinationPath:string(internal + "/a.mp3")
+                                          diskIndex:0
+                                          mediaType:1
+                                        isOverWrite:NO
+                                     callbackObject:releaser
+                                            context:nil
+                                              error:&error]);
+  EXPECT_EQ(error, 0u) << "a release in mid-copy has no number";
+  EXPECT_EQ(bytesOf(internal + "/a.mp3").size(), 4096u);
 }
 
 TEST_F(Life, EndsInTheMiddleOfARun) {

@@ -112,6 +112,18 @@ TEST_F(Podcasts, AreCopiedWithTheirIndex) {
             news + "/one.mp3");
 }
 
+TEST_F(Podcasts, MayComeInListsThatHoldAnything) {
+  id episodes[] = {nil, @"a text", episode("one.mp3"), [NSNull null]};
+  NSArray* oddEpisodes = [[[OddArray alloc] initWithElements:episodes count:std::size(episodes)] autorelease];
+  id channels[] = {nil, [NSDate date], channel(@"News", oddEpisodes), [NSNumber numberWithInt:4]};
+  NSArray* oddChannels = [[[OddArray alloc] initWithElements:channels count:std::size(channels)] autorelease];
+  ASSERT_TRUE([service copyContentsMacToDevice:1 contents:oddChannels mediaType:kPodcast storageIndex:0]);
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  EXPECT_EQ(bytesOf(news + "/one.mp3"), "one.mp3 bytes");
+  EXPECT_EQ([[ear named:kItemResult] count], 1u);
+  EXPECT_EQ([service totalPodcastCount:oddChannels], 4u);
+}
+
 TEST_F(Podcasts, AreSynchronisedInTheHostsOwnDictionaries) {
   NSMutableDictionary* changed = episode("one.mp3");
   NSDictionary* fixed = [NSDictionary dictionaryWithDictionary:episode("two.mp3")];

@@ -3,37 +3,6 @@
 
 #include "HostTest.h"
 
-/// A list whose elements a test chooses one by one, nil included.
-@interface OddArray : NSArray {
- @private
-  id* _elements;
-  NSUInteger _count;
-}
-- (id)initWithElements:(const id*)elements count:(NSUInteger)count;
-@end
-
-@implementation OddArray
-- (id)initWithElements:(const id*)elements count:(NSUInteger)count {
-  if ((self = [super init])) {
-    _elements = new id[count];
-    _count = count;
-    for (NSUInteger i = 0; i < count; ++i) _elements[i] = [elements[i] retain];
-  }
-  return self;
-}
-- (void)dealloc {
-  for (NSUInteger i = 0; i < _count; ++i) [_elements[i] release];
-  delete[] _elements;
-  [super dealloc];
-}
-- (NSUInteger)count {
-  return _count;
-}
-- (id)objectAtIndex:(NSUInteger)index {
-  return _elements[index];
-}
-@end
-
 namespace umsplugin::testing {
 namespace {
 
@@ -111,6 +80,17 @@ TEST_F(Requests, ReadTheElementsOfAnOddListOneByOne) {
   NSDictionary* last = [[[ear named:kProgress] lastObject] userInfo];
   EXPECT_EQ(number(last, @"Max"), 5);
   EXPECT_EQ(number(last, @"Fail"), 4);
+}
+
+TEST_F(Requests, SyncAndDeleteWhatIsGoodInAnOddList) {
+  id elements[] = {nil, content(song, "song.mp3"), [NSNull null]};
+  NSArray* odd = [[[OddArray alloc] initWithElements:elements count:std::size(elements)] autorelease];
+  EXPECT_TRUE([service syncContents:6 contents:odd mediaType:1 isStartInternal:YES]);
+  ASSERT_TRUE([ear waitFor:kItemResult count:1]);
+  EXPECT_EQ(bytesOf(internal + "Music/song.mp3"), "song bytes");
+  EXPECT_TRUE([service deleteContents:7 contents:odd mediaType:1 diskIndex:0]);
+  ASSERT_TRUE([ear waitFor:kItemResult count:2]);
+  EXPECT_FALSE(exists(song));
 }
 
 TEST_F(Requests, CountItemsWithKeysOfTheWrongKindAsFailed) {
