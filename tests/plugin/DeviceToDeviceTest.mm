@@ -156,6 +156,16 @@ TEST_F(ToABundleService, FilesArriveAndAreReported) {
   EXPECT_EQ(number([[[ear named:kUmsResult] lastObject] userInfo], @"Status"), 0);
 }
 
+TEST_F(ToABundleService, TheGoodFilesOfAnOddListArrive) {
+  id elements[] = {nil, song("a.mp3"), @"a text", [NSNull null]};
+  NSArray* odd = [[[OddArray alloc] initWithElements:elements count:std::size(elements)] autorelease];
+  ASSERT_TRUE(copyTo(@"location-2", odd));
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  EXPECT_EQ(bytesOf(sandbox.at("other/Music/a.mp3")).size(), 10000u);
+  EXPECT_EQ([[ear named:kItemResult] count], 1u);
+  EXPECT_EQ(number([[[ear named:kProgress] lastObject] userInfo], @"Fail"), 3);
+}
+
 TEST_F(ToABundleService, ACancelStopsTheCopy) {
   onEach([&](NSNotification* notification) {
     if ([[notification name] isEqualToString:kItemResult]) [service cancelFileAction:31];

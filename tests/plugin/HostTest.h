@@ -1,7 +1,7 @@
 /// A host for tests: it loads the built bundle as an application does and hears every notification.
 ///
 /// The test programs do not link the library; what they know of it are the host headers. Each test runs in a
-/// process of its own.
+/// process of its own, and none may count on it: sanitized they share one.
 #pragma once
 
 #import <Foundation/Foundation.h>
