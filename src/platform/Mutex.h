@@ -68,8 +68,8 @@ class Condition {
     condition_.wait(held);
     held.release();
   }
-  /// Wakes everybody who waits: each looks for itself whether the signal was meant for it.
-  void signal() { condition_.notify_all(); }
+  /// Wakes everyone who waits: each looks for itself whether it was meant.
+  void broadcast() { condition_.notify_all(); }
 
  private:
   std::condition_variable condition_;

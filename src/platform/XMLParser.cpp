@@ -186,8 +186,7 @@ int XMLDocument::Parser::read(char* buffer, int size) {
     refuse("the document type is too long");
   if (isMarkupTooLong()) refuse("a tag is too long");
   if (isRefused() || size <= 0) return 0;
-  size_t length = std::min(static_cast<size_t>(size), bytes_.size() - read_);
-  std::memcpy(buffer, bytes_.data() + read_, length);
+  size_t length = bytes_.copy(buffer, static_cast<size_t>(size), read_);
   read_ += length;
   return static_cast<int>(length);
 }

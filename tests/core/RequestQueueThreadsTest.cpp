@@ -161,6 +161,22 @@ TEST_F(RequestQueueThreads, AnEndInTheMiddleOfProducingRunsNothingTwiceAndRefuse
   }
 }
 
+TEST_F(RequestQueueThreads, AnExitEndsTheThreadsThatAHostLentAsWell) {
+  std::atomic<int> ended{0};
+  std::vector<std::thread> lent;
+  for (int i = 0; i < 3; ++i) {
+    lent.emplace_back([&] {
+      queue.umsFileServiceQueueThread([](_serviceinfo&) {});
+      ++ended;
+    });
+  }
+  ASSERT_TRUE(eventually([&] { return log.count("Try Wait") >= 3; }));
+  queue.exitServiceThread();
+  EXPECT_TRUE(eventually([&] { return ended == 3; }));
+  while (ended < 3) queue.signal();  // a failure ends too
+  for (auto& thread : lent) thread.join();
+}
+
 TEST_F(RequestQueueThreads, TheWorkerTracesItsSleepAtLevelSix) {
   for (int level : {5, 6}) {
     auto watched = std::make_shared<WatchedLevel>(level);

@@ -122,6 +122,7 @@ TEST_F(XMLDocument, RefusesWhatIsNoXMLWithTheFirstReason) {
     EXPECT_NE(error, "") << bytes.substr(0, 80);
     EXPECT_NE(error.find(reason), std::string::npos) << error;
   }
+  EXPECT_NE(Document::parse(std::string_view()).error, "") << "no bytes at all, not even an address of them";
 }
 
 TEST_F(XMLDocument, IsValidatedAgainstItsInternalSubsetWhenItDeclaresAType) {

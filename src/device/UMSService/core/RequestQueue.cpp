@@ -50,7 +50,7 @@ bool RequestQueue::enqueue(Record request) {
 void RequestQueue::signal() {
   MutexLock lock(syncConditionLock_);
   ++signals_;
-  syncCondition_.signal();
+  syncCondition_.broadcast();  // a host may have lent further threads, and an exit is for all of them
 }
 
 uint64_t RequestQueue::signalsSoFar() {

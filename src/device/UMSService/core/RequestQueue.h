@@ -39,7 +39,7 @@ class RequestQueue {
   bool exitServiceThread();
   /// The first half of a release: the flag is set, and what is queued is dropped without notice.
   void releaseAndDropAll();
-  /// Wakes the worker.
+  /// Wakes the worker, and every thread that a host lent to the queue.
   void signal();
 
  private:

@@ -1,0 +1,16 @@
+# Takes an example out of the host guide: the first fenced block behind "<!-- example: NAME -->".
+#   cmake -DGUIDE=host-guide.md -DNAME=guide_host.cpp -DOUTPUT=... -P ExtractExample.cmake
+file(READ "${GUIDE}" guide)
+string(FIND "${guide}" "<!-- example: ${NAME} -->" marker)
+if(marker EQUAL -1)
+  message(FATAL_ERROR "${GUIDE} has no example ${NAME}")
+endif()
+string(SUBSTRING "${guide}" ${marker} -1 rest)
+string(FIND "${rest}" "```" fence)
+string(SUBSTRING "${rest}" ${fence} -1 rest)
+string(FIND "${rest}" "\n" line)
+math(EXPR line "${line} + 1")
+string(SUBSTRING "${rest}" ${line} -1 rest)
+string(FIND "${rest}" "```" fence)
+string(SUBSTRING "${rest}" 0 ${fence} example)
+file(WRITE "${OUTPUT}" "${example}")

@@ -1,0 +1,93 @@
+/// The diagnostic log: through NSLog, as "DEBUG.plist" of the application says. A program of its own, as its
+/// main bundle is changed; its tests run one after another.
+#include <filesystem>
+#include <regex>
+
+#include "HostTest.h"
+#include "StderrCapture.h"
+
+namespace umsplugin::testing {
+namespace {
+
+class DiagnosticLog : public HostTest {
+ protected:
+  DiagnosticLog() { std::filesystem::create_directories(text([[NSBundle mainBundle] resourcePath])); }
+  ~DiagnosticLog() override { std::filesystem::remove(list); }
+
+  void setLevel(id level) {
+    NSDictionary* contents = [NSDictionary dictionaryWithObject:level forKey:@"DEBUG_LEVEL"];
+    ASSERT_TRUE([contents writeToFile:string(list) atomically:YES]);
+  }
+  /// What a request without a volume, and one without contents, have to say (levels 1 and 7).
+  size_t linesOfTwoRefusals() {
+    StderrCapture capture;
+    NSArray* contents = [NSArray arrayWithObject:content("/a.mp3", "a.mp3")];
+    [service copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:9];
+    [service copyContentsMacToDevice:1 contents:nil mediaType:1 storageIndex:0];
+    return capture.linesWith("diskInfo is nil").size() + capture.linesWith("Contents Count is 0").size();
+  }
+
+  const std::string list = text([[NSBundle mainBundle] resourcePath]) + "/DEBUG.plist";
+  UMSService* const service = makeService(@"location-1");
+};
+
+TEST_F(DiagnosticLog, IsSilentWithoutAList) {
+  std::filesystem::remove(list);
+  EXPECT_EQ(linesOfTwoRefusals(), 0u);
+}
+
+TEST_F(DiagnosticLog, FollowsTheListFromOneStatementToTheNext) {
+  EXPECT_EQ(linesOfTwoRefusals(), 0u);
+  setLevel([NSNumber numberWithInt:1]);
+  EXPECT_EQ(linesOfTwoRefusals(), 1u);
+  setLevel([NSNumber numberWithInt:7]);
+  EXPECT_EQ(linesOfTwoRefusals(), 2u);
+  setLevel(@"6");
+  EXPECT_EQ(linesOfTwoRefusals(), 1u);
+  setLevel([NSNumber numberWithInt:-1]);
+  EXPECT_EQ(linesOfTwoRefusals(), 0u);
+  setLevel([NSArray array]);
+  EXPECT_EQ(linesOfTwoRefusals(), 0u);
+  ASSERT_TRUE([@"neither list nor text" writeToFile:string(list)
+                                         atomically:YES
+                                           encoding:NSUTF8StringEncoding
+                                              error:NULL]);
+  EXPECT_EQ(linesOfTwoRefusals(), 0u);
+  std::filesystem::remove(list);
+  EXPECT_EQ(linesOfTwoRefusals(), 0u);
+}
+
+TEST_F(DiagnosticLog, WritesFileMethodLineAndMessage) {
+  setLevel([NSNumber numberWithInt:1]);
+  StderrCapture capture;
+  NSArray* contents = [NSArray arrayWithObject:content("/a.mp3", "a.mp3")];
+  [service copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:9];
+  auto lines = capture.linesWith("diskInfo is nil");
+  ASSERT_EQ(lines.size(), 1u);
+  EXPECT_TRUE(std::regex_search(
+      lines.front(),
+      std::regex(
+          R"(\[\w+\.cpp:-\[UMSService copyContentsMacToDevice:contents:mediaType:storageIndex:\]-\(\d+\)\] )"
+          "diskInfo is nil$")))
+      << lines.front();
+}
+
+TEST_F(DiagnosticLog, ShowsTextsAsTheyAre) {
+  setLevel([NSNumber numberWithInt:6]);
+  StderrCapture capture;
+  [service convertAvailableFileName:@"100%@ ü:x"];
+  EXPECT_EQ(capture.linesWith("Convert 100%@ ü:x to 100%@ ü_x").size(), 1u) << capture.text();
+}
+
+TEST_F(DiagnosticLog, TracesTheLifeOfAServiceAndItsWorker) {
+  setLevel([NSNumber numberWithInt:6]);
+  StderrCapture capture;
+  UMSService* other = [[[loadedBundle() principalClass] alloc] init];
+  [other release];
+  EXPECT_EQ(capture.linesWith("-[UMSService init]").size(), 2u);
+  EXPECT_EQ(capture.linesWith("-[UMSService dealloc]").size(), 2u);
+  EXPECT_EQ(capture.linesWith("umsFileServiceQueueThread Exit!").size(), 1u) << capture.text();
+}
+
+}  // namespace
+}  // namespace umsplugin::testing
