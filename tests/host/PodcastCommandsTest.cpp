@@ -281,6 +281,31 @@ TEST_F(PodcastCommands, SendCopiesAChannelToAnotherDeviceAndAsksAboutWhatIsThere
   EXPECT_EQ(bytesOf(other + "/Podcast/Harbour Notes/morning-tone.mp3"), bytesOf(media("morning-tone.mp3")));
 }
 
+/// As a sync leaves it behind that has replaced the file.
+TEST_F(PodcastCommands, SendAsksAnewForEachOfTwoEpisodesOnOneFile) {
+  sandbox.file("phone/Podcast/News/News.xml",
+               "<channel><Title>News</Title><Post><Title>One</Title><FilePath>a.mp3</FilePath></Post>"
+               "<Post><Title>Two</Title><FilePath>a.mp3</FilePath></Post></channel>");
+  sandbox.file("phone/Podcast/News/a.mp3", "new");
+  const std::string there = sandbox.file("card/Podcast/News/a.mp3", "old");
+  auto send = [&](const std::string& onConflict, const std::string& input) {
+    return umsctl({"podcast", "send", "--from-internal", phone, "--internal", card, "--on-conflict",
+                   onConflict, "News"},
+                  {.input = input});
+  };
+  Ended skipped = send("skip", "");
+  EXPECT_EQ(skipped.status, 0);
+  EXPECT_EQ(lastLine(skipped), "0 copied (0 B), 2 skipped");
+  EXPECT_EQ(bytesOf(there), "old");
+  EXPECT_EQ(lastLine(send("ask", "n\nn\n")), "0 copied (0 B), 2 skipped");
+  EXPECT_EQ(bytesOf(there), "old");
+  EXPECT_EQ(lastLine(send("ask", "n\ny\n")), "1 copied (3 B), 1 skipped");
+  EXPECT_EQ(bytesOf(there), "new");
+  sandbox.file("card/Podcast/News/a.mp3", "old");
+  EXPECT_EQ(lastLine(send("overwrite", "")), "2 copied (6 B)");
+  EXPECT_EQ(bytesOf(there), "new");
+}
+
 TEST_F(PodcastCommands, SendRefusesTheSameDeviceAndUnknownChannels) {
   downloadBoth();
   push();
