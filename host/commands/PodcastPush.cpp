@@ -8,14 +8,25 @@ namespace {
 using umsservice::Array;
 using umsservice::kMediaPodcast;
 
-EpisodeItems itemsOf(const PodcastPushOptions& options) {
-  return episodeItems(*umsservice::posixFileSystem(), options.input);
-}
+/// Episodes from the computer on their way to a device.
+struct Pushing {
+  explicit Pushing(const PodcastPushOptions& options)
+      : transfer(options.volumes, episodeItems(*umsservice::posixFileSystem(), links, options.input),
+                 options.onConflict),
+        questions(std::make_shared<LinkedQuestions>(transfer.policy(), links)) {
+    transfer.device().service().setConfirmDelegate(questions);
+  }
+
+  CleanLinks links;
+  PodcastTransfer transfer;
+  std::shared_ptr<LinkedQuestions> questions;
+};
 
 }  // namespace
 
 ExitStatus podcastPush(const PodcastPushOptions& options) {
-  PodcastTransfer transfer(options.volumes, itemsOf(options), options.onConflict);
+  Pushing pushing(options);
+  PodcastTransfer& transfer = pushing.transfer;
   const Device::Volume& target = transfer.device().volume(options.to);
   auto queue = [&](uint32_t serviceID, const Array& channels) {
     return transfer.device().service().copyContentsMacToDevice(serviceID, channels, kMediaPodcast,
@@ -25,7 +36,8 @@ ExitStatus podcastPush(const PodcastPushOptions& options) {
 }
 
 ExitStatus podcastSync(const PodcastPushOptions& options) {
-  PodcastTransfer transfer(options.volumes, itemsOf(options), options.onConflict);
+  Pushing pushing(options);
+  PodcastTransfer& transfer = pushing.transfer;
   Device& device = transfer.device();
   const bool isStartInternal = device.volume(options.to).kind == "internal";
   auto queue = [&](uint32_t serviceID, const Array& channels) {

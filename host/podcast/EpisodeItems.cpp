@@ -48,8 +48,8 @@ std::string contentsOf(FileSystem& files, const std::string& name) {
 /// The episodes of a feed that lie in the folder, in the feed's order.
 class FeedEpisodes {
  public:
-  FeedEpisodes(FileSystem& files, EpisodeItems& items, std::string folder)
-      : files_(files), items_(items), folder_(std::move(folder)) {}
+  FeedEpisodes(FileSystem& files, CleanLinks& links, EpisodeItems& items, std::string folder)
+      : files_(files), links_(links), items_(items), folder_(std::move(folder)) {}
 
   std::vector<Value> taken() const { return taken_; }
   size_t leftOut() const { return leftOut_; }
@@ -59,8 +59,8 @@ class FeedEpisodes {
     auto path = downloadOf(files_, folder_, url);
     if (!path) {
       ++leftOut_;
-    } else if (paths_.insert(*path).second) {
-      items_.add(files_, episode, *path);
+    } else if (names_.insert(links_.cleanName(*path)).second) {
+      items_.add(files_, episode, *path, &links_);
       taken_.emplace_back(episode);
     } else {
       // Whose file it is cannot be told any more, and on the device they would be one as well.
@@ -71,14 +71,16 @@ class FeedEpisodes {
 
  private:
   FileSystem& files_;
+  CleanLinks& links_;
   EpisodeItems& items_;
   const std::string folder_;
-  std::set<std::string> paths_;
+  std::set<std::string> names_;  ///< as they will be on the device
   std::vector<Value> taken_;
   size_t leftOut_ = 0;
 };
 
-EpisodeItems itemsOfFeed(FileSystem& files, const std::string& name, const std::string& folder) {
+EpisodeItems itemsOfFeed(FileSystem& files, CleanLinks& links, const std::string& name,
+                         const std::string& folder) {
   Feed feed = readFeed(contentsOf(files, name));
   if (!feed.podcast) refuse(name, feed.error);
   if (!feed.podcast->contains("Title")) refuse(name, "the channel has no title");
@@ -86,7 +88,7 @@ EpisodeItems itemsOfFeed(FileSystem& files, const std::string& name, const std::
   if (episodes.empty()) refuse(name, "the channel has no episodes");
 
   EpisodeItems items;
-  FeedEpisodes taking(files, items, withoutTrailingSlashes(absolutePath(folder)));
+  FeedEpisodes taking(files, links, items, withoutTrailingSlashes(absolutePath(folder)));
   for (const Value& episode : episodes) taking.offer(*episode.dictionary());
   if (taking.taken().empty())
     refuse(folder, "none of the " + std::to_string(episodes.size()) + " episodes of the feed lies here");
@@ -100,7 +102,8 @@ EpisodeItems itemsOfFeed(FileSystem& files, const std::string& name, const std::
 
 /// One channel as a person wrote it down. Relative paths count from the folder of the downloads, or else from
 /// the working folder.
-void takeChannel(FileSystem& files, EpisodeItems& items, const Value& element, const PodcastInput& input) {
+void takeChannel(FileSystem& files, CleanLinks& links, EpisodeItems& items, const Value& element,
+                 const PodcastInput& input) {
   auto channel = element.dictionary();
   if (!channel) refuse(*input.json, "it is no podcast: an object is expected for a channel");
   if (channel->string("Title").value_or("").empty()) refuse(*input.json, "a channel has no \"Title\"");
@@ -113,34 +116,38 @@ void takeChannel(FileSystem& files, EpisodeItems& items, const Value& element, c
     if (path.empty()) {
       items.addRefused(*episode, episode->string("Url").value_or("(an episode)"), "it has no \"FilePath\"");
     } else if (path.front() != '/' && input.episodes) {
-      items.add(files, *episode, withoutTrailingSlashes(absolutePath(*input.episodes)) + "/" + path);
+      items.add(files, *episode, withoutTrailingSlashes(absolutePath(*input.episodes)) + "/" + path, &links);
     } else {
-      items.add(files, *episode, absolutePath(path));
+      items.add(files, *episode, absolutePath(path), &links);
     }
   }
   items.channels.append(*channel);
 }
 
-EpisodeItems itemsOfJson(FileSystem& files, const PodcastInput& input) {
+EpisodeItems itemsOfJson(FileSystem& files, CleanLinks& links, const PodcastInput& input) {
   JsonValue json = readJson(contentsOf(files, *input.json));
   if (!json.error.empty()) refuse(*input.json, json.error);
   EpisodeItems items;
   auto channels = json.value.array();
   if (channels && channels->count() == 0) refuse(*input.json, "there is no channel in it");
   for (const Value& element : channels ? channels->snapshot() : std::vector<Value>{json.value})
-    takeChannel(files, items, element, input);
+    takeChannel(files, links, items, element, input);
   return items;
 }
 
 }  // namespace
 
-void EpisodeItems::add(FileSystem& files, const Dictionary& given, const std::string& path) {
+void EpisodeItems::add(FileSystem& files, const Dictionary& given, const std::string& path,
+                       CleanLinks* links) {
   Dictionary episode = given;  // the same one: it lies in its channel
   auto opened = files.openForReading(path);
   if (!opened) return addRefused(episode, path, wordsFor(opened.error()));
+  std::string objection;
+  const std::string source = links ? links->pathFor(path, objection) : path;
+  if (!objection.empty()) return addRefused(episode, path, objection);
   auto found = files.attributes(path);
   const uint64_t size = found ? found->size : 0;
-  episode.set(key::kFilePath, path);
+  episode.set(key::kFilePath, source);
   // What the file really has, as text: numbers are cut to 32 bits on the way.
   episode.set(kLength, std::to_string(size));
   names.push_back(path);
@@ -158,9 +165,9 @@ void EpisodeItems::addRefused(const Dictionary& given, const std::string& name,
   objections.push_back(objection);
 }
 
-EpisodeItems episodeItems(FileSystem& files, const PodcastInput& input) {
-  return input.feed ? itemsOfFeed(files, *input.feed, input.episodes.value_or(""))
-                    : itemsOfJson(files, input);
+EpisodeItems episodeItems(FileSystem& files, CleanLinks& links, const PodcastInput& input) {
+  return input.feed ? itemsOfFeed(files, links, *input.feed, input.episodes.value_or(""))
+                    : itemsOfJson(files, links, input);
 }
 
 }  // namespace umsctl

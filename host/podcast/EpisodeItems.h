@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "podcast/CleanLinks.h"
 #include "umsservice/FileSystem.h"
 #include "umsservice/Value.h"
 
@@ -28,14 +29,17 @@ struct EpisodeItems {
   std::vector<std::string> objections;  ///< why a file cannot be read; empty for one that can
 
   /// Adds an episode whose file lies at `path` to those of a channel. One whose file cannot be read has its
-  /// place, but no path: the service counts it as failed, and the others go on.
-  void add(umsservice::FileSystem& files, const umsservice::Dictionary& episode, const std::string& path);
+  /// place, but no path: the service counts it as failed, and the others go on. `links` are for requests
+  /// whose paths the service cleans.
+  void add(umsservice::FileSystem& files, const umsservice::Dictionary& episode, const std::string& path,
+           CleanLinks* links = nullptr);
   /// The same for one that cannot be taken, whatever its file.
   void addRefused(const umsservice::Dictionary& episode, const std::string& name,
                   const std::string& objection);
 };
 
-/// Tells on standard error of episodes that were left out because nobody has downloaded them.
-EpisodeItems episodeItems(umsservice::FileSystem& files, const PodcastInput& input);
+/// Tells on standard error of episodes that were left out because nobody has downloaded them. The links serve
+/// for as long as the episodes do.
+EpisodeItems episodeItems(umsservice::FileSystem& files, CleanLinks& links, const PodcastInput& input);
 
 }  // namespace umsctl

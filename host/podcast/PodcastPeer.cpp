@@ -24,14 +24,16 @@ bool PodcastPeer::syncWriteFileToDevice(const MaybeDictionary& fileInformation,
                                         callbackObject, context, error);
 }
 
-/// The second write of a file follows the first one at once, and only when the person agrees.
+/// Only an answer tells the second write of a file from the first one of its next episode: channels list a
+/// file twice after a sync that has replaced it.
 bool PodcastPeer::isInTheWay(const std::string& source, const std::string& place) {
   auto existing = files_.linkAttributes(place);
   if (!existing) return false;
   std::string report = source + '\0' + place;
-  bool isAgreed = existing->type != FileType::Directory && report == reported_;
-  reported_ = isAgreed ? "" : report;
-  return !isAgreed;
+  const bool isReplaced = isAgreed_ && existing->type != FileType::Directory && report == reported_;
+  isAgreed_ = false;
+  reported_ = isReplaced ? "" : report;
+  return !isReplaced;
 }
 
 }  // namespace umsctl

@@ -1,4 +1,7 @@
 #include <signal.h>
+#include <stdlib.h>
+
+#include <optional>
 
 #include "HostTest.h"
 
@@ -39,6 +42,20 @@ class PodcastCommands : public HostTest {
     Lines lines = linesOf(ended.output);
     return lines.empty() ? "" : lines.back();
   }
+};
+
+/// Where the programs that a test starts keep temporary files.
+struct TemporaryPlace {
+  explicit TemporaryPlace(const std::string& path) : folder(path) {
+    ::setenv("TMPDIR", path.c_str(), 1);  // after `before` has been read
+  }
+  ~TemporaryPlace() { before ? ::setenv("TMPDIR", before->c_str(), 1) : ::unsetenv("TMPDIR"); }
+  TemporaryPlace(const TemporaryPlace&) = delete;
+  TemporaryPlace& operator=(const TemporaryPlace&) = delete;
+
+  const std::string folder;
+  const std::optional<std::string> before =
+      ::getenv("TMPDIR") ? std::optional<std::string>(::getenv("TMPDIR")) : std::nullopt;
 };
 
 TEST_F(PodcastCommands, PushPutsTheEpisodesOfAFeedIntoAChannelWithAnIndex) {
@@ -138,6 +155,47 @@ TEST_F(PodcastCommands, PushKeepsEverythingInThePodcastFolderWhateverAFeedSays) 
   EXPECT_EQ(ended.error,
             "umsctl: " + casts + "/1.mp3: its channel's title or its own name is no name for the device\n");
   EXPECT_EQ(lastLine(ended), "0 copied (0 B), 1 failed");
+}
+
+TEST_F(PodcastCommands, PushAndSyncFindDownloadsWhosePathNoPlayerTakes) {
+  const TemporaryPlace place(sandbox.folder("temporary"));
+  const std::string odd = sandbox.folder(" casts2: what? ");
+  const std::string file = sandbox.file(" casts2: what? /a:b.mp3", "right");
+  sandbox.file("casts2_ what_/a_b.mp3", "of somebody else");
+  const std::string rss = sandbox.file("a.rss",
+                                       "<rss><channel><title>T</title><item><enclosure "
+                                       "url='http://h/a:b.mp3'/></item></channel></rss>");
+  const Lines input{"--feed", rss, "--episodes", odd};
+  Ended pushed = umsctl(podcast("push", input));
+  EXPECT_EQ(pushed.status, 0);
+  EXPECT_EQ(pushed.error, "");
+  EXPECT_EQ(lastLine(pushed), "1 copied (5 B)");
+  EXPECT_EQ(treeOf(phone + "/Podcast"), (Lines{"T/", "T/T.xml", "T/a_b.mp3"}));
+  EXPECT_EQ(bytesOf(phone + "/Podcast/T/a_b.mp3"), "right");
+  EXPECT_NE(bytesOf(phone + "/Podcast/T/T.xml").find("<FilePath>a_b.mp3</FilePath>"), std::string::npos);
+
+  Ended again = umsctl(podcast("push", input));
+  EXPECT_EQ(again.error, "umsctl: " + file + ": already on the device, skipped (see --on-conflict)\n");
+  sandbox.file("phone/Podcast/T/a_b.mp3", "old");
+  Lines replacing = input;
+  replacing.insert(replacing.end(), {"--on-conflict", "overwrite"});
+  EXPECT_EQ(lastLine(umsctl(podcast("sync", replacing))), "1 copied (5 B)");
+  EXPECT_EQ(bytesOf(phone + "/Podcast/T/a_b.mp3"), "right");
+  EXPECT_EQ(bytesOf(file), "right");
+  EXPECT_EQ(treeOf(place.folder), Lines{});
+}
+
+TEST_F(PodcastCommands, PushSaysWhyAFileCannotGoUnderItsNameOrWithAnother) {
+  const std::string blank = sandbox.file("casts/ ", "x");
+  EXPECT_EQ(pushJson(R"({"Title": "T", "children": [{"FilePath": ")" + blank + "\"}]}").error,
+            "umsctl: " + blank + ": its name is no name for the device\n");
+  sandbox.file("casts/a:.mp3", "one");
+  sandbox.file("casts/a*.mp3", "two");
+  Ended ended = pushFeed(
+      "<rss><channel><title>U</title><item><enclosure url='http://h/a:.mp3'/></item>"
+      "<item><enclosure url='http://h/a*.mp3'/></item></channel></rss>");
+  EXPECT_EQ(ended.error, "umsctl: http://h/a*.mp3: another episode of the feed has the same file name\n");
+  EXPECT_EQ(bytesOf(phone + "/Podcast/U/a_.mp3"), "one");
 }
 
 TEST_F(PodcastCommands, PushFailsTheSecondOfTwoEpisodesOfOneFileName) {
@@ -279,6 +337,31 @@ TEST_F(PodcastCommands, SendCopiesAChannelToAnotherDeviceAndAsksAboutWhatIsThere
   arguments.insert(arguments.end(), {"--on-conflict", "overwrite"});
   EXPECT_EQ(lastLine(umsctl(arguments)), "2 copied (26.3 kB)");
   EXPECT_EQ(bytesOf(other + "/Podcast/Harbour Notes/morning-tone.mp3"), bytesOf(media("morning-tone.mp3")));
+}
+
+/// As a sync leaves it behind that has replaced the file.
+TEST_F(PodcastCommands, SendAsksAnewForEachOfTwoEpisodesOnOneFile) {
+  sandbox.file("phone/Podcast/News/News.xml",
+               "<channel><Title>News</Title><Post><Title>One</Title><FilePath>a.mp3</FilePath></Post>"
+               "<Post><Title>Two</Title><FilePath>a.mp3</FilePath></Post></channel>");
+  sandbox.file("phone/Podcast/News/a.mp3", "new");
+  const std::string there = sandbox.file("card/Podcast/News/a.mp3", "old");
+  auto send = [&](const std::string& onConflict, const std::string& input) {
+    return umsctl({"podcast", "send", "--from-internal", phone, "--internal", card, "--on-conflict",
+                   onConflict, "News"},
+                  {.input = input});
+  };
+  Ended skipped = send("skip", "");
+  EXPECT_EQ(skipped.status, 0);
+  EXPECT_EQ(lastLine(skipped), "0 copied (0 B), 2 skipped");
+  EXPECT_EQ(bytesOf(there), "old");
+  EXPECT_EQ(lastLine(send("ask", "n\nn\n")), "0 copied (0 B), 2 skipped");
+  EXPECT_EQ(bytesOf(there), "old");
+  EXPECT_EQ(lastLine(send("ask", "n\ny\n")), "1 copied (3 B), 1 skipped");
+  EXPECT_EQ(bytesOf(there), "new");
+  sandbox.file("card/Podcast/News/a.mp3", "old");
+  EXPECT_EQ(lastLine(send("overwrite", "")), "2 copied (6 B)");
+  EXPECT_EQ(bytesOf(there), "new");
 }
 
 TEST_F(PodcastCommands, SendRefusesTheSameDeviceAndUnknownChannels) {
