@@ -1,5 +1,6 @@
 #include "SingleFile.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include "StringPaths.h"
@@ -11,6 +12,13 @@ namespace {
 
 constexpr auto kHandleMessage =
     "Open file Handle failed! source file handle = %@, destination file handle = %@";
+
+/// What deleting a file gives back: players keep files in units of up to 64 KiB, so it can be far more than
+/// the file's size.
+uint64_t roomOf(const FileAttributes& existing) {
+  constexpr uint64_t kBlock = 4096;
+  return std::max(existing.allocated, (existing.size + kBlock - 1) / kBlock * kBlock);
+}
 
 }  // namespace
 
@@ -199,8 +207,7 @@ FileOutcome SingleFile::removeInFavourOf(const std::string& srcPath, const std::
     return {.errorNumber = kErrorFileExists};
   }
   // Where deleting it would not make room enough, the existing file is better than none.
-  constexpr uint64_t kBlock = 4096;
-  const uint64_t freed = (existing->size + kBlock - 1) / kBlock * kBlock;
+  const uint64_t freed = roomOf(*existing);
   const uint64_t freeSize = source->size > freed ? context_.spaces.volumeFreeSpace(destPath) : 0;
   if (source->size > freed && freeSize < source->size - freed) {
     context_.log.write(3, kCopying.method, kCopying.spaceMessage, source->size, freeSize);
