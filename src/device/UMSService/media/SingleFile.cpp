@@ -34,7 +34,7 @@ struct SingleFile::Manner {
   bool makesFolder;        ///< a move expects its destination folder
   bool hearsCancellation;  ///< a move stops for a shutdown only
   bool clearsErrorNumber;
-  bool syncsDestination;  ///< the source goes next, so the device must have the copy first
+  bool removesSource;  ///< once the device has the copy
 };
 
 const SingleFile::Manner SingleFile::kCopying = {
@@ -64,8 +64,7 @@ FileOutcome SingleFile::copy(uint32_t serviceID, const MaybeString& srcPath, con
 
 FileOutcome SingleFile::move(const MaybeString& srcPath, const MaybeString& destPath,
                              OVUmsDeviceNotifier* notifier) const {
-  FileOutcome copied = transfer(kMoving, 0, srcPath, destPath, notifier);
-  return copied.result ? removeSource(*srcPath, std::move(copied)) : copied;
+  return transfer(kMoving, 0, srcPath, destPath, notifier);
 }
 
 FileOutcome SingleFile::transfer(const Manner& manner, uint32_t serviceID, const MaybeString& srcPath,
@@ -82,6 +81,8 @@ FileOutcome SingleFile::transfer(const Manner& manner, uint32_t serviceID, const
   Pair pair;
   if (auto refused = openBoth(manner, *srcPath, *destPath, pair)) return *refused;
   FileOutcome outcome = copyBytes(manner, serviceID, pair, size, *notifier);
+  pair.source.reset();  // some devices give a file's room back only when nobody has it open
+  if (manner.removesSource && outcome.result) outcome = removeSource(*srcPath, std::move(outcome));
   context_.log.write(6, manner.method, "EXIT");
   return outcome;
 }
@@ -153,7 +154,7 @@ FileOutcome SingleFile::copyBytes(const Manner& manner, uint32_t serviceID, Pair
   if (copied.end == End::Failed) return exception(manner, *copied.error, copied.copied);
   // What the system still held back is only certain once the file is closed.
   FileStatus kept =
-      manner.syncsDestination && copied.end == End::Complete ? pair.destination->sync() : FileStatus(Done{});
+      manner.removesSource && copied.end == End::Complete ? pair.destination->sync() : FileStatus(Done{});
   FileStatus closed = pair.destination->close();
   if (!kept) return exception(manner, kept.error(), copied.copied);
   if (!closed) return exception(manner, closed.error(), copied.copied);
