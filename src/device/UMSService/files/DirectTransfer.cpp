@@ -1,7 +1,6 @@
 #include "DirectTransfer.h"
 
 #include <cerrno>
-#include <limits>
 
 #include "ChunkedCopy.h"
 #include "FileContents.h"
@@ -268,7 +267,7 @@ std::shared_ptr<const Data> DirectTransfer::readFileData(const MaybeString& path
     context_.log.write(3, kMethod, "Open file Handle failed! source file handle = %@", nullptr);
     return nullptr;
   }
-  auto contents = readContents(**handle, *path, std::numeric_limits<uint64_t>::max());
+  auto contents = readWholeFile(files_, **handle, *path);
   if (contents) return std::make_shared<const Data>(std::move(*contents));
   logException(kMethod, contents.error());
   return nullptr;

@@ -37,7 +37,7 @@ class DirectTransfer {
 
   /// Replaces a file's contents.
   bool writeFileData(const MaybeString& path, const std::shared_ptr<const Data>& data) const;
-  /// The whole contents; null when they cannot be read.
+  /// The whole contents; null when they cannot be read or held.
   std::shared_ptr<const Data> readFileData(const MaybeString& path) const;
 
  private:
