@@ -55,7 +55,6 @@ class DirectTransfer {
   uint32_t whyNotReplaced(const FileAttributes& existing, const std::string& sourcePath,
                           const FileResult<FileAttributes>& source, bool isOverWrite) const;
   bool makeFolderOf(const std::string& path) const;
-  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) const;
   bool stopsAtOnce(const Manner& manner, uint64_t size, const Call& call) const;
   MaybeString syncDestination(const Source& source, const MaybeString& subFolderName, uint32_t diskIndex,
                               uint32_t mediaType, MaybeString& folder) const;
