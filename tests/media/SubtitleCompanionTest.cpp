@@ -183,6 +183,46 @@ TEST_F(SubtitleCompanion, StopsWhenTheDeviceIsReleased) {
   EXPECT_TRUE(exists(copied));
 }
 
+TEST_F(SubtitleCompanion, ReleasedAtTheLastMomentGivesUpNothingThatIsThere) {
+  sandbox.file("internal/DCIM/Camera/trip.smi", "of another size");
+  files.setFault([&](FileCall call, const std::string&) {
+    if (call == FileCall::OpenForReading) service->exitServiceThread();
+    return 0;
+  });
+  EXPECT_FALSE(send());
+  EXPECT_EQ(bytesOf(copied), "of another size");
+  EXPECT_EQ(linesOf(surroundings, kSendMethod), std::vector<std::string>{"Device Disconnected - location-1"});
+}
+
+TEST_F(SubtitleCompanion, ReleasedWhileAFailingDeviceHidesTheExistingOneGivesItUpNeither) {
+  sandbox.file("internal/DCIM/Camera/trip.smi", "of another size");
+  service->exitServiceThread();
+  files.failAlways(FileCall::Attributes, "Camera/trip.smi", EIO);
+  EXPECT_FALSE(send());
+  EXPECT_EQ(bytesOf(copied), "of another size");
+}
+
+TEST_F(SubtitleCompanion, ThatGrowsIsTakenAtTheSizeItBeganWith) {
+  const std::string before = bytesOf(sandbox.patternFile("in/trip.smi", 10'000));
+  files.setFault([&](FileCall call, const std::string&) {
+    if (call == FileCall::OpenForReading) sandbox.patternFile("in/trip.smi", 50'000);
+    return 0;
+  });
+  EXPECT_TRUE(send());
+  EXPECT_EQ(bytesOf(copied), before);
+}
+
+TEST_F(SubtitleCompanion, ThatShrinksIsTheException) {
+  sandbox.patternFile("in/trip.smi", 10'000);
+  files.setFault([&](FileCall call, const std::string&) {
+    return call == FileCall::OpenForReading && ::truncate(subtitles.c_str(), 5000) != 0 ? errno : 0;
+  });
+  EXPECT_FALSE(send());
+  EXPECT_EQ(bytesOf(copied), bytesOf(subtitles));
+  EXPECT_TRUE(log.has("Name : NSFileHandleOperationException"));
+  EXPECT_TRUE(log.has("Reason :" + words(ENODATA)));
+}
+
 TEST_F(SubtitleCompanion, IsNotStoppedByACancel) {
   service->cancelFileAction(7);
   EXPECT_TRUE(send());
