@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 #include "CopyFileTest.h"
 
@@ -128,6 +129,21 @@ TEST_F(MoveFile, KeepsASourceThatShrinksAfterItsLastByte) {
   EXPECT_FALSE(move(from, to));
   EXPECT_EQ(bytesOf(from), before.substr(0, 100'000));
   EXPECT_EQ(bytesOf(to), before);
+}
+
+TEST_F(MoveFile, OntoAVolumeThatVanishesKeepsTheSource) {
+  REQUIRE_TMPFS_VOLUMES();
+  for (FileCall last : {FileCall::Write, FileCall::Sync, FileCall::Close}) {
+    TmpfsVolume volume(internal, 4 << 20);
+    sandbox.folder("internal/Music");
+    files.setFault([&, gone = false](FileCall call, const std::string& path) mutable {
+      if (call == last && path == to && !std::exchange(gone, true)) volume.vanish();
+      return gone && path.starts_with(internal) ? EIO : 0;
+    });
+    EXPECT_FALSE(move(from, to));
+    EXPECT_EQ(number(), kErrorCopyFailed);
+    EXPECT_EQ(bytesOf(from), before);
+  }
 }
 
 TEST_F(MoveFile, NeverReplacesAFile) {
