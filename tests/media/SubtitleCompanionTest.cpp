@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "LastReference.h"
 #include "LogExpectations.h"
 
 namespace umsservice::testing {
@@ -221,6 +222,14 @@ TEST_F(SubtitleCompanion, ThatShrinksIsTheException) {
   EXPECT_EQ(bytesOf(copied), bytesOf(subtitles));
   EXPECT_TRUE(log.has("Name : NSFileHandleOperationException"));
   EXPECT_TRUE(log.has("Reason :" + words(ENODATA)));
+}
+
+TEST_F(SubtitleCompanion, IsCopiedWholeWhenTheLastReferenceGoesAwayMeanwhile) {
+  std::weak_ptr<UMSService> watched = service;
+  letGoInCall(files, service, FileCall::Read);
+  EXPECT_TRUE(send());
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(bytesOf(copied), "spoken words");
 }
 
 TEST_F(SubtitleCompanion, IsNotStoppedByACancel) {
