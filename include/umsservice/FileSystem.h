@@ -64,10 +64,11 @@ enum class FileType { Unknown, Regular, Directory, SymbolicLink, Other };
 /// What is known of one item.
 struct FileAttributes {
   FileType type = FileType::Unknown;
-  uint64_t size = 0;     ///< bytes
-  uint64_t device = 0;   ///< number of the file system that holds the item
-  uint64_t inode = 0;    ///< number of the item within its file system
-  int64_t modified = 0;  ///< seconds since 1970
+  uint64_t size = 0;       ///< bytes
+  uint64_t device = 0;     ///< number of the file system that holds the item
+  uint64_t inode = 0;      ///< number of the item within its file system
+  int64_t modified = 0;    ///< seconds since 1970
+  uint64_t allocated = 0;  ///< bytes that the item takes up on its volume; 0 where that is not known
 };
 
 /// Bytes of a file system.

@@ -2,7 +2,12 @@
 
 #include <cerrno>
 #include <cstdio>
+#include <limits>
+#include <new>
 #include <random>
+#include <stdexcept>
+
+#include "posix/SystemMemory.h"
 
 namespace umsservice {
 namespace {
@@ -23,6 +28,27 @@ FileStatus writeAll(FileHandle& handle, std::string_view bytes) {
   return kept ? closed : kept;
 }
 
+/// Half of the memory: a file of holes costs a device nothing, and what is handed out before it is used
+/// would end the host when it is.
+uint64_t longestContents() {
+  const uint64_t memory = systemMemoryBytes();
+  return memory > 0 ? memory / 2 : std::numeric_limits<uint64_t>::max();
+}
+
+constexpr size_t kBlock = 65536;
+
+FileResult<Data> readOnto(Data contents, FileHandle& handle, const std::string& path, uint64_t limit) {
+  for (;;) {
+    size_t filled = contents.size();
+    contents.resize(filled + kBlock);
+    auto length = handle.read(contents.data() + filled, kBlock);
+    if (!length) return length.error();
+    contents.resize(filled + *length);
+    if (contents.size() > limit) return FileError{EFBIG, FileError::Action::Reading, path};
+    if (*length == 0) return contents;
+  }
+}
+
 }  // namespace
 
 FileResult<Data> readContents(FileSystem& files, const std::string& path, uint64_t limit) {
@@ -32,16 +58,22 @@ FileResult<Data> readContents(FileSystem& files, const std::string& path, uint64
 }
 
 FileResult<Data> readContents(FileHandle& handle, const std::string& path, uint64_t limit) {
-  constexpr size_t kBlock = 65536;
-  Data contents;
-  for (;;) {
-    size_t filled = contents.size();
-    contents.resize(filled + kBlock);
-    auto length = handle.read(contents.data() + filled, kBlock);
-    if (!length) return length.error();
-    contents.resize(filled + *length);
-    if (contents.size() > limit) return FileError{EFBIG, FileError::Action::Reading, path};
-    if (*length == 0) return contents;
+  return readOnto({}, handle, path, limit);
+}
+
+FileResult<Data> readWholeFile(FileSystem& files, FileHandle& handle, const std::string& path) {
+  const uint64_t limit = longestContents();
+  auto attributes = files.attributes(path);
+  const uint64_t expected = attributes ? attributes->size : 0;
+  if (expected > limit) return FileError{EFBIG, FileError::Action::Reading, path};
+  try {
+    Data contents;
+    contents.reserve(expected + kBlock);  // growing step by step would hold a large file twice
+    return readOnto(std::move(contents), handle, path, limit);
+  } catch (const std::bad_alloc&) {
+    return FileError{ENOMEM, FileError::Action::Reading, path};
+  } catch (const std::length_error&) {
+    return FileError{ENOMEM, FileError::Action::Reading, path};
   }
 }
 

@@ -183,6 +183,16 @@ TEST_P(DirectTransfer, NeverEmptiesAFileThatAFailingDeviceHides) {
   EXPECT_EQ(bytesOf(to), "old");
 }
 
+TEST_P(DirectTransfer, NeverEmptiesAFileThatAppearsMeanwhile) {
+  files.setFault([&](FileCall call, const std::string&) {
+    if (call == FileCall::CreateFile) sandbox.file("out/deep/a.mp3", "of somebody else");
+    return 0;
+  });
+  EXPECT_FALSE(transfer(file("a.mp3", "la"), to, true));
+  EXPECT_EQ(error, kErrorCopyFailed);
+  EXPECT_EQ(bytesOf(to), "of somebody else");
+}
+
 TEST_P(DirectTransfer, StopsAtTheFirstUnitWhenTheCallbackSaysNo) {
   callback->onReport = [] { return false; };
   EXPECT_FALSE(transfer(patternFile("a.mp3", 600'000), to));

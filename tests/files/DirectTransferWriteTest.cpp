@@ -1,6 +1,8 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <new>
+
 #include "TransferTest.h"
 
 namespace umsservice::testing {
@@ -143,6 +145,29 @@ TEST_F(FileData, NeverOpensAFifo) {
 TEST_F(FileData, ThatCannotBeOpenedSaysSo) {
   expectLine(surroundings, 3, kReadData, "Open file Handle failed! source file handle = (null)",
              [&] { EXPECT_FALSE(service->readFileData(sandbox.at("missing"))); });
+}
+
+TEST_F(FileData, ThatNoMemoryHoldsIsTheExceptionBeforeItsFirstByteIsRead) {
+  const std::string path = sandbox.file("holes", "");
+  bool isMade = false;
+  for (int bits = 62; !isMade && bits >= 43; --bits) isMade = ::truncate(path.c_str(), off_t{1} << bits) == 0;
+  if (!isMade) GTEST_SKIP() << "this file system keeps no file larger than any memory";
+  expectLine(surroundings, 3, kReadData, "Name : NSFileHandleOperationException",
+             [&] { EXPECT_FALSE(service->readFileData(path)); });
+  expectLine(surroundings, 3, kReadData, "Reason :File too large",
+             [&] { EXPECT_FALSE(service->readFileData(path)); });
+  EXPECT_EQ(files.count(FileCall::Read), 0u);
+}
+
+TEST_F(FileData, ThatMemoryRunsOutForIsTheException) {
+  const std::string path = sandbox.file("blob", "la");
+  files.setFault([](FileCall call, const std::string&) -> int {
+    if (call == FileCall::Read) throw std::bad_alloc();
+    return 0;
+  });
+  EXPECT_FALSE(service->readFileData(path));
+  EXPECT_EQ(linesOf(surroundings, kReadData),
+            (Lines{"Name : NSFileHandleOperationException", "Reason :Cannot allocate memory"}));
 }
 
 TEST_F(FileData, NamesTheExceptionAndItsReason) {

@@ -4,6 +4,7 @@
 #include <cerrno>
 
 #include "LogExpectations.h"
+#include "PassingFileSystem.h"
 #include "TypedEntries.h"
 
 namespace umsservice::testing {
@@ -183,42 +184,56 @@ TEST_F(FolderChildren, OfNilOrAMissingFolderAreNil) {
              [&] { EXPECT_FALSE(service->fileLists(missing)); });
 }
 
-/// Hands out an entry without a name, as a damaged file system can.
-class NamelessEntries final : public FileSystem {
+/// Hands out names that are none before the real ones, as a damaged file system can.
+class NamelessEntries final : public PassingFileSystem {
  public:
-  FileResult<std::vector<DirectoryEntry>> list(const std::string& folder) override {
-    auto entries = real_->list(folder);
-    if (entries) entries->insert(entries->begin(), DirectoryEntry{"", FileType::Unknown});
+  using Entries = std::vector<DirectoryEntry>;
+
+  explicit NamelessEntries(Entries first) : PassingFileSystem(posixFileSystem()), first_(std::move(first)) {}
+
+  FileResult<Entries> list(const std::string& folder) override {
+    auto entries = PassingFileSystem::list(folder);
+    if (entries) entries->insert(entries->begin(), first_.begin(), first_.end());
     return entries;
   }
-  FileResult<FileAttributes> attributes(const std::string& path) override { return real_->attributes(path); }
-  FileResult<FileAttributes> linkAttributes(const std::string& path) override {
-    return real_->linkAttributes(path);
-  }
-  FileResult<VolumeSpace> space(const std::string& path) override { return real_->space(path); }
-  FileStatus createFolders(const std::string& folder) override { return real_->createFolders(folder); }
-  FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
-    return real_->createFile(path);
-  }
-  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) override {
-    return real_->createNewFile(path);
-  }
-  FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override {
-    return real_->openForReading(path);
-  }
-  FileStatus move(const std::string& from, const std::string& to) override { return real_->move(from, to); }
-  FileStatus replace(const std::string& from, const std::string& to) override {
-    return real_->replace(from, to);
-  }
-  FileStatus remove(const std::string& path) override { return real_->remove(path); }
-  FileStatus syncVolume(const std::string& path) override { return real_->syncVolume(path); }
 
  private:
-  const std::shared_ptr<FileSystem> real_ = posixFileSystem();
+  const Entries first_;
 };
 
+class DamagedFolders : public FolderLister {
+ protected:
+  DamagedFolders() {
+    NamelessEntries::Entries entries;
+    for (const char* name : {"", ".", "..", "../card", "sub/.."}) {
+      for (FileType type : {FileType::Unknown, FileType::Directory}) entries.push_back({name, type});
+    }
+    surroundings.environment.fileSystem = std::make_shared<NamelessEntries>(entries);
+    service = surroundings.makeService();
+    service->addDiskInformation(disk(1, card));
+    sandbox.file("card/a.mp3", "");
+    sandbox.file("card/sub/b.mp3", "");
+    sandbox.file("internal/beside the card.mp3", "");
+  }
+};
+
+TEST_F(DamagedFolders, AreListedWithoutNamesThatAreNone) {
+  EXPECT_EQ(listed(card, true), (Lines{"a.mp3", "sub", "sub/b.mp3"}));
+  EXPECT_EQ(listed(card, false), (Lines{"a.mp3", "sub"}));
+  EXPECT_EQ(sorted(service->fileLists(card)), Lines{"a.mp3"});
+  EXPECT_EQ(sorted(service->folderLists(card)), Lines{"sub"});
+}
+
+TEST_F(DamagedFolders, AreWalkedWithoutLeavingThem) {
+  EXPECT_EQ(sorted(service->recursiveFolderLists(card)), (Lines{card, card + "/sub"}));
+  for (bool skipNoMedia : {true, false}) EXPECT_EQ(service->subpathsAtDisk(0, 0, skipNoMedia)->count(), 2u);
+  EXPECT_EQ(service->fileNameList(0, kMediaMusic, 0)->count(), 2u);
+  EXPECT_EQ(service->fileInformationList(card, Array{"mp3"}, true)->count(), 2u);
+}
+
 TEST_F(FolderChildren, PassOverAnEntryWithoutAName) {
-  surroundings.environment.fileSystem = std::make_shared<NamelessEntries>();
+  surroundings.environment.fileSystem =
+      std::make_shared<NamelessEntries>(NamelessEntries::Entries{{"", FileType::Unknown}});
   service = surroundings.makeService();
   sandbox.file("card/a.mp3", "");
   sandbox.folder("card/sub");

@@ -4,6 +4,7 @@
 #include <system_error>
 
 #include "MediaRunTest.h"
+#include "PassingFileSystem.h"
 
 namespace umsservice::testing {
 namespace {
@@ -73,6 +74,43 @@ TEST_F(MediaCopyOverwrite, TakesTheRoomOfTheFileThatItReplaces) {
   delegate.answer = {.returned = true, .isOverwrite = true, .isNotAsk = true};
   EXPECT_TRUE(run(toDevice(one)));
   EXPECT_EQ(at("a.mp3").size(), 4096u);
+}
+
+/// A full player that keeps files in units of 32 KiB; deleting a file gives its whole unit back.
+class LargeUnits final : public PassingFileSystem {
+ public:
+  using PassingFileSystem::PassingFileSystem;
+
+  FileResult<FileAttributes> attributes(const std::string& path) override {
+    auto found = PassingFileSystem::attributes(path);
+    if (found) found->allocated = kUnit;
+    return found;
+  }
+  FileResult<VolumeSpace> space(const std::string&) override { return VolumeSpace{1 << 20, free_}; }
+  FileStatus remove(const std::string& path) override {
+    FileStatus removed = PassingFileSystem::remove(path);
+    if (removed) free_ += kUnit;
+    return removed;
+  }
+
+ private:
+  static constexpr uint64_t kUnit = 32768;
+  uint64_t free_ = 0;
+};
+
+TEST_F(MediaCopyOverwrite, TakesTheRoomThatThePlayerGivesBackForASmallFile) {
+  surroundings.environment.fileSystem = std::make_shared<LargeUnits>(surroundings.files);
+  service = surroundings.makeService();
+  service->addDiskInformation(disk(1, internal));
+  useDelegate();
+  sandbox.file("internal/Music/a.mp3", std::string(100, 'o'));
+  Array one{source("a.mp3", std::string(5000, 'n'))};
+  delegate.answer = {.returned = true, .isOverwrite = true, .isNotAsk = true};
+  EXPECT_TRUE(run(toDevice(one)));
+  EXPECT_EQ(at("a.mp3"), std::string(5000, 'n'));
+  Array large{source("a.mp3", std::string(70'000, 'l'))};
+  EXPECT_FALSE(run(toDevice(large)));
+  EXPECT_EQ(at("a.mp3"), std::string(5000, 'n'));
 }
 
 TEST_F(MediaCopyOverwrite, OnceAnsweredForGoodReplacesTheRestUnasked) {

@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <fstream>
 #include <system_error>
+#include <utility>
 
 #include "CopyFileTest.h"
 
@@ -89,6 +90,9 @@ TEST_F(MoveFile, ThatIsReleasedKeepsTheSourceAndLeavesTheNumberAlone) {
 TEST_F(MoveFile, WhoseSourceCannotBeRemovedLeavesBoth) {
   files.failAlways(FileCall::Remove, "in/a.mp3", EACCES);
   EXPECT_FALSE(move(from, to));
+  EXPECT_EQ(linesOf(surroundings, kMoveMethod),
+            (std::vector<std::string>{"Move File : $/in/a.mp3  to  $/internal/Music/a.mp3",
+                                      "removeIemAtPath Fail!", "EXIT"}));
   EXPECT_EQ(error, kUntouched);
   EXPECT_EQ(bytesOf(to), before);
   EXPECT_EQ(bytesOf(from), before);
@@ -106,6 +110,40 @@ TEST_F(MoveFile, KeepsASourceThatHasGrownMeanwhile) {
   EXPECT_FALSE(move(from, to));
   EXPECT_TRUE(bytesOf(from).starts_with(before + "more"));
   EXPECT_TRUE(log.has("removeIemAtPath Fail!"));
+}
+
+TEST_F(MoveFile, KeepsASourceThatShrinksMeanwhile) {
+  files.setFault([&](FileCall call, const std::string&) {
+    return call == FileCall::Read && ::truncate(from.c_str(), 100'000) != 0 ? errno : 0;
+  });
+  EXPECT_FALSE(move(from, to));
+  EXPECT_EQ(number(), kErrorCopyFailed);
+  EXPECT_EQ(bytesOf(from), before.substr(0, 100'000));
+  EXPECT_EQ(linesOf(surroundings, kMoveMethod).back(), "EXIT");
+}
+
+TEST_F(MoveFile, KeepsASourceThatShrinksAfterItsLastByte) {
+  files.setFault([&](FileCall call, const std::string&) {
+    return call == FileCall::Sync && ::truncate(from.c_str(), 100'000) != 0 ? errno : 0;
+  });
+  EXPECT_FALSE(move(from, to));
+  EXPECT_EQ(bytesOf(from), before.substr(0, 100'000));
+  EXPECT_EQ(bytesOf(to), before);
+}
+
+TEST_F(MoveFile, OntoAVolumeThatVanishesKeepsTheSource) {
+  REQUIRE_TMPFS_VOLUMES();
+  for (FileCall last : {FileCall::Write, FileCall::Sync, FileCall::Close}) {
+    TmpfsVolume volume(internal, 4 << 20);
+    sandbox.folder("internal/Music");
+    files.setFault([&, gone = false](FileCall call, const std::string& path) mutable {
+      if (call == last && path == to && !std::exchange(gone, true)) volume.vanish();
+      return gone && path.starts_with(internal) ? EIO : 0;
+    });
+    EXPECT_FALSE(move(from, to));
+    EXPECT_EQ(number(), kErrorCopyFailed);
+    EXPECT_EQ(bytesOf(from), before);
+  }
 }
 
 TEST_F(MoveFile, NeverReplacesAFile) {

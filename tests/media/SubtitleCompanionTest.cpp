@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <system_error>
 
+#include "LastReference.h"
 #include "LogExpectations.h"
 
 namespace umsservice::testing {
@@ -181,6 +182,54 @@ TEST_F(SubtitleCompanion, StopsWhenTheDeviceIsReleased) {
   expectLine(surroundings, 5, kDeleteMethod, "Device Disconnected - location-1",
              [&] { EXPECT_FALSE(removeIt()); });
   EXPECT_TRUE(exists(copied));
+}
+
+TEST_F(SubtitleCompanion, ReleasedAtTheLastMomentGivesUpNothingThatIsThere) {
+  sandbox.file("internal/DCIM/Camera/trip.smi", "of another size");
+  files.setFault([&](FileCall call, const std::string&) {
+    if (call == FileCall::OpenForReading) service->exitServiceThread();
+    return 0;
+  });
+  EXPECT_FALSE(send());
+  EXPECT_EQ(bytesOf(copied), "of another size");
+  EXPECT_EQ(linesOf(surroundings, kSendMethod), std::vector<std::string>{"Device Disconnected - location-1"});
+}
+
+TEST_F(SubtitleCompanion, ReleasedWhileAFailingDeviceHidesTheExistingOneGivesItUpNeither) {
+  sandbox.file("internal/DCIM/Camera/trip.smi", "of another size");
+  service->exitServiceThread();
+  files.failAlways(FileCall::Attributes, "Camera/trip.smi", EIO);
+  EXPECT_FALSE(send());
+  EXPECT_EQ(bytesOf(copied), "of another size");
+}
+
+TEST_F(SubtitleCompanion, ThatGrowsIsTakenAtTheSizeItBeganWith) {
+  const std::string before = bytesOf(sandbox.patternFile("in/trip.smi", 10'000));
+  files.setFault([&](FileCall call, const std::string&) {
+    if (call == FileCall::OpenForReading) sandbox.patternFile("in/trip.smi", 50'000);
+    return 0;
+  });
+  EXPECT_TRUE(send());
+  EXPECT_EQ(bytesOf(copied), before);
+}
+
+TEST_F(SubtitleCompanion, ThatShrinksIsTheException) {
+  sandbox.patternFile("in/trip.smi", 10'000);
+  files.setFault([&](FileCall call, const std::string&) {
+    return call == FileCall::OpenForReading && ::truncate(subtitles.c_str(), 5000) != 0 ? errno : 0;
+  });
+  EXPECT_FALSE(send());
+  EXPECT_EQ(bytesOf(copied), bytesOf(subtitles));
+  EXPECT_TRUE(log.has("Name : NSFileHandleOperationException"));
+  EXPECT_TRUE(log.has("Reason :" + words(ENODATA)));
+}
+
+TEST_F(SubtitleCompanion, IsCopiedWholeWhenTheLastReferenceGoesAwayMeanwhile) {
+  std::weak_ptr<UMSService> watched = service;
+  letGoInCall(files, service, FileCall::Read);
+  EXPECT_TRUE(send());
+  EXPECT_TRUE(watched.expired());
+  EXPECT_EQ(bytesOf(copied), "spoken words");
 }
 
 TEST_F(SubtitleCompanion, IsNotStoppedByACancel) {

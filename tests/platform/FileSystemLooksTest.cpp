@@ -216,6 +216,18 @@ TEST_F(FileSystemLooks, GiveTheSpaceOfTheVolumeThatHoldsAPath) {
   EXPECT_NE(files.space(sandbox.at("card"))->total, 1u << 20);
 }
 
+TEST_F(FileSystemLooks, ShowWhatAFileTakesUpOnItsVolume) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume volume(sandbox.folder("card"), 1 << 20);
+  const uint64_t free = volume.freeBytes();
+  const std::string small = sandbox.file("card/small", std::string(100, 'x'));
+  EXPECT_EQ(files.attributes(small)->allocated, free - volume.freeBytes());
+  EXPECT_GT(files.attributes(small)->allocated, 100u);
+  const std::string holes = sandbox.file("card/holes", "");
+  ASSERT_EQ(::truncate(holes.c_str(), 1 << 19), 0);
+  EXPECT_EQ(files.attributes(holes)->allocated, 0u);
+}
+
 TEST_F(FileSystemLooks, CountAsFreeOnlyWhatAnUnprivilegedUserMayStillWrite) {
   struct statvfs volume {};
   ASSERT_EQ(statvfs(sandbox.path().c_str(), &volume), 0);

@@ -49,6 +49,8 @@ FileAttributes attributesOf(const struct stat& status) {
   attributes.device = static_cast<uint64_t>(status.st_dev);
   attributes.inode = static_cast<uint64_t>(status.st_ino);
   attributes.modified = static_cast<int64_t>(status.st_mtime);
+  constexpr uint64_t kStatusBlock = 512;
+  attributes.allocated = static_cast<uint64_t>(status.st_blocks) * kStatusBlock;
   return attributes;
 }
 

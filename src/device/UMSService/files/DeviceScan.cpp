@@ -3,6 +3,7 @@
 #include <cerrno>
 #include <iterator>
 
+#include "FolderOperations.h"
 #include "NoMedia.h"
 #include "StringPaths.h"
 #include "umsservice/Notifications.h"
@@ -58,7 +59,7 @@ void DeviceScan::scanFolder(const std::string& folder, bool skipNoMedia, Walk& w
   if (!entries) return;
   std::vector<Value> batch;
   for (const DirectoryEntry& entry : *entries) {
-    if (entry.name.empty()) continue;  // a damaged file system can hand out an entry without a name
+    if (!isEntryName(entry.name)) continue;
     if (skipNoMedia && isNoMediaMarker(entry.name)) return;  // the batch is lost, queued folders stay
     if (skipNoMedia && isHiddenName(entry.name)) continue;
     examine(joinedPath(folder, entry.name), entry, walk, batch);

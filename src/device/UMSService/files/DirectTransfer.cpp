@@ -1,7 +1,6 @@
 #include "DirectTransfer.h"
 
 #include <cerrno>
-#include <limits>
 
 #include "ChunkedCopy.h"
 #include "FileContents.h"
@@ -88,7 +87,8 @@ bool DirectTransfer::transfer(const Manner& manner, const MaybeDictionary& fileI
     return refuse(call, kErrorInvalidInput);
   }
   if (!attributes) return refuse(call, kErrorAttributesUnreadable);
-  auto destination = createNewFile(*destinationPath);
+  // A failing device can hide a file for a moment; what it hid must not be emptied.
+  auto destination = files_.createNewFile(*destinationPath);
   if (!destination) return refuse(call, kErrorCopyFailed);
   auto source = files_.openForReading(*from.path);
   if (!source) return refuse(call, kErrorInvalidInput);
@@ -114,15 +114,6 @@ uint32_t DirectTransfer::whyNotReplaced(const FileAttributes& existing, const st
 bool DirectTransfer::makeFolderOf(const std::string& path) const {
   std::string folder = stringByDeletingLastPathComponent(path);
   return !folder.empty() && files_.createFolders(folder);
-}
-
-/// A failing device can hide a file for a moment, and making a file empties what is there: it must be known
-/// that nothing is.
-FileResult<std::unique_ptr<FileHandle>> DirectTransfer::createNewFile(const std::string& path) const {
-  auto existing = files_.linkAttributes(path);
-  if (existing) return FileError{EEXIST, FileError::Action::Writing, path};
-  if (existing.error().systemNumber != ENOENT) return existing.error();
-  return files_.createFile(path);
 }
 
 /// Nothing that exists is given up for a copy that is to stop before its first byte.
@@ -268,7 +259,7 @@ std::shared_ptr<const Data> DirectTransfer::readFileData(const MaybeString& path
     context_.log.write(3, kMethod, "Open file Handle failed! source file handle = %@", nullptr);
     return nullptr;
   }
-  auto contents = readContents(**handle, *path, std::numeric_limits<uint64_t>::max());
+  auto contents = readWholeFile(files_, **handle, *path);
   if (contents) return std::make_shared<const Data>(std::move(*contents));
   logException(kMethod, contents.error());
   return nullptr;

@@ -37,7 +37,7 @@ class DirectTransfer {
 
   /// Replaces a file's contents.
   bool writeFileData(const MaybeString& path, const std::shared_ptr<const Data>& data) const;
-  /// The whole contents; null when they cannot be read.
+  /// The whole contents; null when they cannot be read or held.
   std::shared_ptr<const Data> readFileData(const MaybeString& path) const;
 
  private:
@@ -55,7 +55,6 @@ class DirectTransfer {
   uint32_t whyNotReplaced(const FileAttributes& existing, const std::string& sourcePath,
                           const FileResult<FileAttributes>& source, bool isOverWrite) const;
   bool makeFolderOf(const std::string& path) const;
-  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) const;
   bool stopsAtOnce(const Manner& manner, uint64_t size, const Call& call) const;
   MaybeString syncDestination(const Source& source, const MaybeString& subFolderName, uint32_t diskIndex,
                               uint32_t mediaType, MaybeString& folder) const;

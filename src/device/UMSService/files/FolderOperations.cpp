@@ -39,6 +39,10 @@ FileError missingPath() {
 
 }  // namespace
 
+bool isEntryName(std::string_view name) {
+  return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
+}
+
 FileType FolderOperations::typeOf(const std::string& path, FileType listedType) const {
   if (listedType != FileType::Unknown) return listedType;
   auto found = files_.linkAttributes(path);
@@ -50,7 +54,9 @@ std::optional<std::vector<ListedPath>> FolderOperations::entriesAtPath(const std
   if (!entries) return std::nullopt;
   std::vector<ListedPath> listed;
   listed.reserve(entries->size());
-  for (DirectoryEntry& entry : *entries) listed.push_back({std::move(entry.name), entry.type});
+  for (DirectoryEntry& entry : *entries) {
+    if (isEntryName(entry.name)) listed.push_back({std::move(entry.name), entry.type});
+  }
   return listed;
 }
 
@@ -99,7 +105,9 @@ std::optional<std::vector<std::string>> FolderOperations::shallowNames(const std
   }
   std::vector<std::string> names;
   names.reserve(entries->size());
-  for (DirectoryEntry& entry : *entries) names.push_back(std::move(entry.name));
+  for (DirectoryEntry& entry : *entries) {
+    if (isEntryName(entry.name)) names.push_back(std::move(entry.name));
+  }
   return names;
 }
 
@@ -139,7 +147,7 @@ MaybeArray FolderOperations::directChildren(const MaybeString& folder, bool fold
   }
   std::vector<std::string> names;
   for (DirectoryEntry& entry : *listed) {
-    if (entry.name.empty()) {  // a damaged file system can hand out an entry without a name
+    if (!isEntryName(entry.name)) {
       context_.log.write(5, method, "Data is nil. Next Data Dictionary search.");
       continue;
     }

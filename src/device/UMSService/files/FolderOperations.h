@@ -15,6 +15,10 @@ struct ListedPath {
   FileType type = FileType::Unknown;
 };
 
+/// Whether a listed name can be one of the folder's entries. A damaged file system can hand out names that
+/// are none, or that lead back to the folder or out of it.
+bool isEntryName(std::string_view name);
+
 class FolderOperations {
  public:
   explicit FolderOperations(const ServiceContext& context) : context_(context), files_(context.files()) {}

@@ -1,5 +1,6 @@
 #include "SingleFile.h"
 
+#include <algorithm>
 #include <cerrno>
 
 #include "StringPaths.h"
@@ -11,6 +12,13 @@ namespace {
 
 constexpr auto kHandleMessage =
     "Open file Handle failed! source file handle = %@, destination file handle = %@";
+
+/// What deleting a file gives back: players keep files in units of up to 64 KiB, so it can be far more than
+/// the file's size.
+uint64_t roomOf(const FileAttributes& existing) {
+  constexpr uint64_t kBlock = 4096;
+  return std::max(existing.allocated, (existing.size + kBlock - 1) / kBlock * kBlock);
+}
 
 }  // namespace
 
@@ -26,7 +34,7 @@ struct SingleFile::Manner {
   bool makesFolder;        ///< a move expects its destination folder
   bool hearsCancellation;  ///< a move stops for a shutdown only
   bool clearsErrorNumber;
-  bool syncsDestination;  ///< the source goes next, so the device must have the copy first
+  bool removesSource;  ///< once the device has the copy
 };
 
 const SingleFile::Manner SingleFile::kCopying = {
@@ -56,8 +64,7 @@ FileOutcome SingleFile::copy(uint32_t serviceID, const MaybeString& srcPath, con
 
 FileOutcome SingleFile::move(const MaybeString& srcPath, const MaybeString& destPath,
                              OVUmsDeviceNotifier* notifier) const {
-  FileOutcome copied = transfer(kMoving, 0, srcPath, destPath, notifier);
-  return copied.result ? removeSource(*srcPath, std::move(copied)) : copied;
+  return transfer(kMoving, 0, srcPath, destPath, notifier);
 }
 
 FileOutcome SingleFile::transfer(const Manner& manner, uint32_t serviceID, const MaybeString& srcPath,
@@ -74,6 +81,8 @@ FileOutcome SingleFile::transfer(const Manner& manner, uint32_t serviceID, const
   Pair pair;
   if (auto refused = openBoth(manner, *srcPath, *destPath, pair)) return *refused;
   FileOutcome outcome = copyBytes(manner, serviceID, pair, size, *notifier);
+  pair.source.reset();  // some devices give a file's room back only when nobody has it open
+  if (manner.removesSource && outcome.result) outcome = removeSource(*srcPath, std::move(outcome));
   context_.log.write(6, manner.method, "EXIT");
   return outcome;
 }
@@ -145,7 +154,7 @@ FileOutcome SingleFile::copyBytes(const Manner& manner, uint32_t serviceID, Pair
   if (copied.end == End::Failed) return exception(manner, *copied.error, copied.copied);
   // What the system still held back is only certain once the file is closed.
   FileStatus kept =
-      manner.syncsDestination && copied.end == End::Complete ? pair.destination->sync() : FileStatus(Done{});
+      manner.removesSource && copied.end == End::Complete ? pair.destination->sync() : FileStatus(Done{});
   FileStatus closed = pair.destination->close();
   if (!kept) return exception(manner, kept.error(), copied.copied);
   if (!closed) return exception(manner, closed.error(), copied.copied);
@@ -199,8 +208,7 @@ FileOutcome SingleFile::removeInFavourOf(const std::string& srcPath, const std::
     return {.errorNumber = kErrorFileExists};
   }
   // Where deleting it would not make room enough, the existing file is better than none.
-  constexpr uint64_t kBlock = 4096;
-  const uint64_t freed = (existing->size + kBlock - 1) / kBlock * kBlock;
+  const uint64_t freed = roomOf(*existing);
   const uint64_t freeSize = source->size > freed ? context_.spaces.volumeFreeSpace(destPath) : 0;
   if (source->size > freed && freeSize < source->size - freed) {
     context_.log.write(3, kCopying.method, kCopying.spaceMessage, source->size, freeSize);

@@ -100,6 +100,9 @@ bool SubtitleCompanion::copyCompanion(const std::string& srcSmiPath, const std::
   // A failing device can hide a file for a moment: a companion must not be emptied to be copied onto itself.
   auto existing = files_.attributes(destSmiPath);
   if (existing && existing->device == attributes.device && existing->inode == attributes.inode) return true;
+  // Nothing that exists, or may exist, is given up for a copy that is to stop before its first byte.
+  const bool isNew = !existing && existing.error().systemNumber == ENOENT;
+  if (!isNew && isDisconnected(kSendMethod)) return false;
   auto destination = files_.createFile(destSmiPath);
   if (!destination) {
     context_.log.write(3, kSendMethod, "createFileAtPath Fail!");
