@@ -315,6 +315,20 @@ TEST_F(PodcastDeviceToDevice, StopsWhenThisServiceIsReleased) {
             (Lines{"Device Disconnected - location-1", "Podcast XML Data send is failed."}));
 }
 
+TEST_F(PodcastDeviceToDevice, PutsTwoTitlesThatCleanToOneNameIntoOneFolderAndOneIndex) {
+  EXPECT_TRUE(send({channel("New:s", {onDevice("1.mp3")}), channel("New?s", {onDevice("2.mp3")})}));
+  EXPECT_EQ(treeOf(peerDisk + "/Podcast"),
+            (Texts{"New_s/", "New_s/1.mp3", "New_s/2.mp3", "New_s/New_s.xml"}));
+  EXPECT_EQ(fieldOf(peerIndex("New_s"), "FilePath"), (Texts{"1.mp3", "2.mp3"}));
+}
+
+TEST_F(PodcastDeviceToDevice, KeepsADamagedIndexOfTheOtherDeviceBesideTheNewOne) {
+  sandbox.file("peer/Podcast/News/News.xml", "damaged");
+  EXPECT_TRUE(send({channel("News", {onDevice("1.mp3")})}));
+  EXPECT_EQ(bytesOf(peerDisk + "/Podcast/News/News.xml.damaged"), "damaged");
+  EXPECT_EQ(fieldOf(peerIndex("News"), "FilePath"), Texts{"1.mp3"});
+}
+
 TEST_F(PodcastDeviceToDevice, StopsForACancelInTheMiddleOfAnEpisode) {
   once(kTransferProgressNotification, [&] { service->cancelFileAction(7); });
   const std::string bytes(2'500'000, 'x');

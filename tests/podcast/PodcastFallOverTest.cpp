@@ -128,6 +128,17 @@ TEST_F(PodcastFallOver, ReplacesUnaskedForAnUnattendedSync) {
   EXPECT_EQ(bytesOf(card + "/Podcast/News/1.mp3").size(), 300u * 1024);
 }
 
+TEST_F(PodcastFallOver, AsksBeforeItReplacesAFileOnTheOtherVolume) {
+  useDelegate();
+  for (bool replaces : {false, true}) {
+    sandbox.file("card/Podcast/News/1.mp3", "old");
+    delegate.answer = {true, replaces, false};
+    EXPECT_TRUE(sync({channel("News", {large("1.mp3")})}));
+    EXPECT_EQ(bytesOf(card + "/Podcast/News/1.mp3").size(), replaces ? 300u * 1024 : 3u);
+  }
+  EXPECT_EQ(delegate.asked().size(), 2u);
+}
+
 TEST_F(PodcastFallOver, CountsEveryEpisodeWhenTheFolderCannotBeMade) {
   sandbox.file("card/Podcast", "a file");
   expectLine(surroundings, 1, kMethod, "Create Folder for News is failed", [&] {

@@ -178,6 +178,17 @@ TEST_F(PodcastXMLConverter, TellsEpisodesApartByTheExactUrl) {
             (Names{"http://x/1", "http://x/2", "HTTP://x/1", "(none)", "(none)"}));
 }
 
+TEST_F(PodcastXMLConverter, TellsEpisodesApartByTheFirstOfSeveralUrls) {
+  XMLDocument document = documentOf(news);
+  document.root().firstChild("Post")->append("Url", "http://x/other");
+  converter.removePodcastEpisode(Dictionary{{"Url", "http://x/other"}}, document);
+  EXPECT_EQ(urls(*converter.makePodcastDictionaryFromXML(document)).size(), 2u);
+  converter.addPodcastEpisode(Dictionary{{"Url", "http://x/other"}}, document);
+  EXPECT_EQ(urls(*converter.makePodcastDictionaryFromXML(document)).size(), 3u);
+  converter.removePodcastEpisode(Dictionary{{"Url", "http://x/1"}}, document);
+  EXPECT_EQ(urls(*converter.makePodcastDictionaryFromXML(document)), (Names{"http://x/2", "http://x/other"}));
+}
+
 TEST_F(PodcastXMLConverter, RemovesTheRightEpisodeBehindTheFieldsOfTheChannel) {
   XMLDocument document = documentOf(news);
   converter.removePodcastEpisode(Dictionary{{"Url", "http://x/1"}}, document);
