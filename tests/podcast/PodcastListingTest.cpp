@@ -200,6 +200,14 @@ TEST_F(PodcastListing, ReturnsAnIndexAsItIsThatWouldBeTooLongOnceWritten) {
   EXPECT_EQ(bytesOf(index), before);
 }
 
+TEST_F(PodcastListing, LeavesEpisodesInAnIndexThatWouldBeTooLongOnceWritten) {
+  std::string title(size_t{9} << 20, '>');
+  sandbox.file("internal/Podcast/News/News.xml",
+               "<channel><Title>" + title +
+                   "</Title><Post><Url>gone</Url><FilePath>gone.mp3</FilePath></Post></channel>");
+  EXPECT_EQ(fieldOf(read(), "Url"), Texts{"gone"}) << "as it was read";
+}
+
 TEST_F(PodcastListing, NeverWritesOutsideAChannelsFolder) {
   for (const char* path : {"no-folder.xml", "/no-such-index.xml", ""})
     EXPECT_FALSE(service->umsPodcastXmlData(path));

@@ -239,12 +239,15 @@ MaybeDictionary PodcastIndexFiles::umsPodcastXmlData(const MaybeString& path) co
   mending.reading = std::move(*reading);
   if (mending.reading.bytes)
     mending.podcast = converter->makePodcastDictionaryFromXML(textOf(*mending.reading.bytes));
-  bool folderAnswers = !mending.podcast || dropVanished(mending);
-  XMLDocument document = converter->makePodcastXMLFromPodcastDictionary(mending.podcast, true);
+  auto written = [&] { return converter->makePodcastXMLFromPodcastDictionary(mending.podcast, true); };
+  XMLDocument document = written();
   if (!document.bytes()) {
     context_.log.write(3, kMendMethod, "Podcast Convert XML Data to Documents is fail.");
     return mending.podcast;
   }
+  const size_t episodes = mending.podcast ? episodesOf(*mending.podcast).size() : 0;
+  bool folderAnswers = !mending.podcast || dropVanished(mending);
+  if (mending.podcast && episodesOf(*mending.podcast).size() < episodes) document = written();
   if (mending.podcast) {
     for (const Value& episode : episodesOf(*mending.podcast)) putInFront(folder, *episode.dictionary());
   }
