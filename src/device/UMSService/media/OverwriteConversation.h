@@ -1,5 +1,6 @@
 /// What is said about existing files in one run: a question to the host's delegate, and its three kept
-/// answers. One for each run (a fall-over to another volume talks afresh); used by the worker thread.
+/// answers. One for each run (the fall-over of a media file to another volume talks afresh); used by the
+/// worker thread.
 #pragma once
 
 #include "umsservice/QDDeviceConfirmDelegate.h"
