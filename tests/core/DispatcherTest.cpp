@@ -1,6 +1,7 @@
 #include <thread>
 
 #include "CoreRoom.h"
+#include "PassingFileSystem.h"
 
 namespace umsservice::testing {
 namespace {
@@ -27,37 +28,13 @@ class Dispatcher : public CoreTest {
 };
 
 /// Answers sizes of a test's choice.
-class SizedFileSystem final : public FileSystem {
+class SizedFileSystem final : public PassingFileSystem {
  public:
-  explicit SizedFileSystem(FileResult<VolumeSpace> answer) : answer_(std::move(answer)) {}
+  explicit SizedFileSystem(FileResult<VolumeSpace> answer)
+      : PassingFileSystem(posixFileSystem()), answer_(std::move(answer)) {}
   FileResult<VolumeSpace> space(const std::string&) override { return answer_; }
 
-  FileResult<FileAttributes> attributes(const std::string& path) override { return real_->attributes(path); }
-  FileResult<FileAttributes> linkAttributes(const std::string& path) override {
-    return real_->linkAttributes(path);
-  }
-  FileResult<std::vector<DirectoryEntry>> list(const std::string& folder) override {
-    return real_->list(folder);
-  }
-  FileStatus createFolders(const std::string& folder) override { return real_->createFolders(folder); }
-  FileResult<std::unique_ptr<FileHandle>> createFile(const std::string& path) override {
-    return real_->createFile(path);
-  }
-  FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) override {
-    return real_->createNewFile(path);
-  }
-  FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override {
-    return real_->openForReading(path);
-  }
-  FileStatus move(const std::string& from, const std::string& to) override { return real_->move(from, to); }
-  FileStatus replace(const std::string& from, const std::string& to) override {
-    return real_->replace(from, to);
-  }
-  FileStatus remove(const std::string& path) override { return real_->remove(path); }
-  FileStatus syncVolume(const std::string& path) override { return real_->syncVolume(path); }
-
  private:
-  const std::shared_ptr<FileSystem> real_ = posixFileSystem();
   const FileResult<VolumeSpace> answer_;
 };
 
