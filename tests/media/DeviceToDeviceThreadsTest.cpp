@@ -69,12 +69,14 @@ TEST_F(DeviceToDeviceThreads, BothEndWhenReleasedInMidRun) {
   one.join();
   other.join();
   EXPECT_TRUE(items.waitFor(2u * kFiles));
+  EXPECT_TRUE(notifications.waitFor(kUmsResultNotification, 2));
 }
 
 TEST_F(DeviceToDeviceThreads, BothEndWhenEachIsReleasedInAHandlerOfTheOther) {
   onceBothRun([&](uint32_t serviceID) { (serviceID == 1 ? second : service).reset(); });
   startBoth();
   EXPECT_TRUE(items.waitFor(2u * kFiles));
+  EXPECT_TRUE(notifications.waitFor(kUmsResultNotification, 2));
 }
 
 TEST_F(DeviceToDeviceThreads, BothStopForACancelInAHandler) {

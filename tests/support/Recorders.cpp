@@ -28,33 +28,47 @@ std::string messageOf(const std::string& line) {
 NotificationRecorder::NotificationRecorder(std::shared_ptr<NotificationCenter> center)
     : center_(std::move(center)) {
   for (const char* name : {kTransferProgressNotification, kUmsResultNotification, kMediaResultNotification}) {
-    observers_.push_back(center_->addObserver(name, [this](const Notification& posted) { record(posted); }));
+    observers_.push_back(
+        center_->addObserver(name, [heard = heard_](const Notification& posted) { heard->record(posted); }));
   }
 }
 
 NotificationRecorder::~NotificationRecorder() {
   for (auto observer : observers_) center_->removeObserver(observer);
+  std::unique_lock lock(heard_->mutex);
+  heard_->isOver = true;
+  heard_->arrived.wait(lock, [this] { return heard_->inside == 0; });
 }
 
-void NotificationRecorder::record(const Notification& notification) {
-  std::function<void(const Notification&)> handler;
+void NotificationRecorder::Heard::record(const Notification& notification) {
+  std::function<void(const Notification&)> current;
   {
-    std::lock_guard lock(mutex_);
-    notifications_.push_back({notification.name, notification.userInfo.mutableCopy()});
-    handler = handler_;
+    std::lock_guard lock(mutex);
+    if (isOver) return;
+    notifications.push_back({notification.name, notification.userInfo.mutableCopy()});
+    current = handler;
+    ++inside;
   }
-  arrived_.notify_all();
-  if (handler) handler(notification);
+  arrived.notify_all();
+  Leaving leaving{*this, current};
+  if (current) current(notification);
+}
+
+NotificationRecorder::Heard::Leaving::~Leaving() {
+  handler = nullptr;  // it may own what the test destroys next
+  std::lock_guard lock(heard.mutex);
+  --heard.inside;
+  heard.arrived.notify_all();
 }
 
 void NotificationRecorder::onEach(std::function<void(const Notification&)> handler) {
-  std::lock_guard lock(mutex_);
-  handler_ = std::move(handler);
+  std::lock_guard lock(heard_->mutex);
+  heard_->handler = std::move(handler);
 }
 
 std::vector<Notification> NotificationRecorder::all() const {
-  std::lock_guard lock(mutex_);
-  return notifications_;
+  std::lock_guard lock(heard_->mutex);
+  return heard_->notifications;
 }
 
 std::vector<Notification> NotificationRecorder::named(const std::string& name) const {
@@ -64,23 +78,24 @@ std::vector<Notification> NotificationRecorder::named(const std::string& name) c
 }
 
 bool NotificationRecorder::waitFor(const std::string& name, size_t count) const {
-  std::unique_lock lock(mutex_);
-  return arrived_.wait_for(lock, kPatience, [&] {
-    return static_cast<size_t>(std::count_if(notifications_.begin(), notifications_.end(),
-                                             [&](const auto& posted) { return posted.name == name; })) >=
-           count;
+  std::unique_lock lock(heard_->mutex);
+  const auto& posted = heard_->notifications;
+  return heard_->arrived.wait_for(lock, kPatience, [&] {
+    return static_cast<size_t>(std::count_if(posted.begin(), posted.end(),
+                                             [&](const auto& each) { return each.name == name; })) >= count;
   });
 }
 
 bool NotificationRecorder::waitUntil(const std::function<bool(const Notification&)>& condition) const {
-  std::unique_lock lock(mutex_);
-  return arrived_.wait_for(
-      lock, kPatience, [&] { return std::any_of(notifications_.begin(), notifications_.end(), condition); });
+  std::unique_lock lock(heard_->mutex);
+  const auto& posted = heard_->notifications;
+  return heard_->arrived.wait_for(lock, kPatience,
+                                  [&] { return std::any_of(posted.begin(), posted.end(), condition); });
 }
 
 void NotificationRecorder::clear() {
-  std::lock_guard lock(mutex_);
-  notifications_.clear();
+  std::lock_guard lock(heard_->mutex);
+  heard_->notifications.clear();
 }
 
 void LogRecorder::write(const std::string& line) {

@@ -13,7 +13,9 @@
 
 namespace umsservice::testing {
 
-/// Records every notification of a center, and may run a handler of the test for each.
+/// Records every notification of a center, and may run a handler of the test for each. Its end waits for a
+/// worker that is still telling it something, and hears no more: a test may end while a released service
+/// does.
 class NotificationRecorder {
  public:
   explicit NotificationRecorder(std::shared_ptr<NotificationCenter> center);
@@ -32,14 +34,27 @@ class NotificationRecorder {
   void clear();
 
  private:
-  void record(const Notification& notification);
+  /// Shared with the center: a post that has begun may come to its handler after the observer was removed.
+  struct Heard {
+    /// Takes a thread out again, however the test's handler ends.
+    struct Leaving {
+      Heard& heard;
+      std::function<void(const Notification&)>& handler;
+      ~Leaving();
+    };
+    void record(const Notification& notification);
+
+    std::mutex mutex;
+    std::condition_variable arrived;
+    std::vector<Notification> notifications;
+    std::function<void(const Notification&)> handler;
+    int inside = 0;  ///< threads that are recording or in the test's handler
+    bool isOver = false;
+  };
 
   const std::shared_ptr<NotificationCenter> center_;
+  const std::shared_ptr<Heard> heard_ = std::make_shared<Heard>();
   std::vector<NotificationCenter::ObserverId> observers_;
-  mutable std::mutex mutex_;
-  mutable std::condition_variable arrived_;
-  std::vector<Notification> notifications_;
-  std::function<void(const Notification&)> handler_;
 };
 
 /// Keeps log lines. `messages` gives them as "method message", without file and line number.
