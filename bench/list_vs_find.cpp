@@ -87,18 +87,16 @@ int main(int argc, char** argv) {
     fs::path device = root / std::to_string(files);
     makeDevice(device, files, true);
     std::string count = std::to_string(files);
-    compare({"names of " + count + " files",
-             {worker, "names", device},
-             {"find", device},
-             {},
-             files > 500'000 ? 3 : 7,
-             1.10});
+    const int rounds = files > 500'000 ? 5 : 11;
+    compare({"names of " + count + " files", {worker, "names", device}, {"find", device}, {}, rounds, 1.10});
+    compare(
+        {"  and every path written", {worker, "names", device, "written"}, {"find", device}, {}, rounds, 0});
     if (files == 200'000) {
-      compare({"scan with sizes of " + count + " files",
-               {worker, "scan", device},
+      compare({"scan with sizes of " + count + " files, written",
+               {worker, "scan", device, "written"},
                {"find", device, "-printf", "%p %s\n"},
                {},
-               7,
+               rounds,
                1.00});
     }
     fs::remove_all(device);

@@ -112,6 +112,16 @@ class FileHandle {
   virtual FileStatus close() = 0;
 };
 
+/// An open folder, for questions about many of its entries: the system need not walk its path for each.
+class FolderHandle {
+ public:
+  virtual ~FolderHandle() = default;
+  /// The entries, as `FileSystem::list` gives them; to be asked for once.
+  virtual FileResult<std::vector<DirectoryEntry>> list() = 0;
+  /// Attributes of the item that an entry leads to; links are followed.
+  virtual FileResult<FileAttributes> attributes(const std::string& name) = 0;
+};
+
 /// The operations on paths.
 class FileSystem {
  public:
@@ -125,6 +135,9 @@ class FileSystem {
   virtual FileResult<VolumeSpace> space(const std::string& path) = 0;
   /// The entries of a folder without "." and "..", in the order in which the file system gives them.
   virtual FileResult<std::vector<DirectoryEntry>> list(const std::string& folder) = 0;
+  /// Opens a folder. Where a file system has no way of its own, the handle asks `list` and `attributes`; it
+  /// must not outlive the file system.
+  virtual FileResult<std::unique_ptr<FolderHandle>> openFolder(const std::string& folder);
   /// Makes a folder and every missing folder above it. An existing folder is success; a file is not.
   virtual FileStatus createFolders(const std::string& folder) = 0;
   /// Makes an empty file, or empties an existing one, and opens it for writing. Never writes through a
@@ -135,6 +148,11 @@ class FileSystem {
   virtual FileResult<std::unique_ptr<FileHandle>> createNewFile(const std::string& path) = 0;
   /// Opens a regular file for reading from its first byte; anything else cannot be opened.
   virtual FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) = 0;
+  /// The same for a path that `attributes` has just called a regular file: it need not be looked at again
+  /// before it is opened, only afterwards.
+  virtual FileResult<std::unique_ptr<FileHandle>> openSeen(const std::string& path) {
+    return openForReading(path);
+  }
   /// Renames an item; an item that already has the new name is left alone and the call fails.
   virtual FileStatus move(const std::string& from, const std::string& to) = 0;
   /// Renames a file; one that already has the new name is replaced in the same step, and a link of that name

@@ -81,6 +81,7 @@ class Value {
   Value(Data bytes) : held_(std::make_shared<const Data>(std::move(bytes))) {}
   Value(const Array& array);
   Value(const Dictionary& dictionary);
+  Value(Dictionary&& dictionary);
   /// A null pointer gives nil.
   Value(std::shared_ptr<ForeignObject> object) {
     if (object) held_ = std::move(object);
@@ -99,7 +100,8 @@ class Value {
   const std::string* stringIfAny() const { return std::get_if<std::string>(&held_); }
   /// The array or dictionary held (the same container, not a copy); absent for every other kind.
   std::optional<Array> array() const;
-  std::optional<Dictionary> dictionary() const;
+  std::optional<Dictionary> dictionary() const&;
+  std::optional<Dictionary> dictionary() &&;
   /// The bytes of a data value, or null; shared, never changed.
   std::shared_ptr<const Data> data() const;
   /// The host's object held, or null.
@@ -156,6 +158,10 @@ class ArrayStorage {
   /// Replaces all elements in one step: no reader sees an array in between.
   virtual void assign(std::vector<Value> values) = 0;
   virtual std::vector<Value> snapshot() const = 0;
+  /// The same, never changed afterwards and shared where the storage can: nothing is copied then.
+  virtual std::shared_ptr<const std::vector<Value>> elements() const {
+    return std::make_shared<const std::vector<Value>>(snapshot());
+  }
 };
 
 /// A reference to a mutable, ordered list of values; indexes are 0-based.
@@ -175,6 +181,8 @@ class Array {
   void assign(std::vector<Value> values) { storage_->assign(std::move(values)); }
   /// The elements as they are now.
   std::vector<Value> snapshot() const { return storage_->snapshot(); }
+  /// The elements as they are now, to be read only; cheaper than `snapshot` for a long array.
+  std::shared_ptr<const std::vector<Value>> elements() const { return storage_->elements(); }
   /// A new array with the same elements.
   Array mutableCopy() const { return Array(snapshot()); }
   /// True when both refer to the same container.
@@ -222,6 +230,7 @@ class Dictionary {
   const std::shared_ptr<DictionaryStorage>& storage() const { return storage_; }
 
  private:
+  friend class Value;
   std::shared_ptr<DictionaryStorage> storage_;
 };
 

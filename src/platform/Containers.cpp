@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 
 #include "Mutex.h"
 #include "umsservice/Value.h"
@@ -6,41 +7,66 @@
 namespace umsservice {
 namespace {
 
+/// Its elements are copied when they change while a reader holds them, not when somebody begins to read.
 class MemoryArray final : public ArrayStorage {
  public:
-  explicit MemoryArray(std::vector<Value> values) : values_(std::move(values)) {}
+  explicit MemoryArray(std::vector<Value> values)
+      : values_(std::make_shared<std::vector<Value>>(std::move(values))) {}
 
   size_t count() const override {
     MutexLock lock(mutex_);
-    return values_.size();
+    return values_->size();
   }
   Value at(size_t index) const override {
     MutexLock lock(mutex_);
-    return index < values_.size() ? values_[index] : Value();
+    return index < values_->size() ? (*values_)[index] : Value();
   }
   void append(Value value) override {
+    Values before;  // outlives the lock: releasing a value may run a host's code
     MutexLock lock(mutex_);
-    values_.push_back(std::move(value));
+    own(before).push_back(std::move(value));
   }
   void removeAt(size_t index) override {
-    Value removed;  // outlives the lock: releasing a value may run a host's code
+    Values before;
+    Value removed;
     MutexLock lock(mutex_);
-    if (index >= values_.size()) return;
-    removed = std::move(values_[index]);
-    values_.erase(values_.begin() + static_cast<std::ptrdiff_t>(index));
+    if (index >= values_->size()) return;
+    auto& values = own(before);
+    removed = std::move(values[index]);
+    values.erase(values.begin() + static_cast<std::ptrdiff_t>(index));
   }
   void assign(std::vector<Value> values) override {
-    MutexLock lock(mutex_);  // given back before the old values are: releasing one may run a host's code
-    values_.swap(values);
+    auto assigned = std::make_shared<std::vector<Value>>(std::move(values));
+    MutexLock lock(mutex_);  // given back before the old values are
+    values_.swap(assigned);
+    isShared_ = false;
   }
   std::vector<Value> snapshot() const override {
     MutexLock lock(mutex_);
+    return *values_;
+  }
+  std::shared_ptr<const std::vector<Value>> elements() const override {
+    MutexLock lock(mutex_);
+    isShared_ = true;
     return values_;
   }
 
  private:
+  using Values = std::shared_ptr<std::vector<Value>>;
+
+  /// The elements to be changed; what readers hold stays as it is, and goes to `before`.
+  std::vector<Value>& own(Values& before) REQUIRES(mutex_) {
+    if (isShared_) {
+      before = std::make_shared<std::vector<Value>>(*values_);
+      values_.swap(before);
+      isShared_ = false;
+    }
+    return *values_;
+  }
+
   mutable Mutex mutex_;
-  std::vector<Value> values_ GUARDED_BY(mutex_);
+  Values values_ GUARDED_BY(mutex_);
+  mutable bool isShared_ GUARDED_BY(mutex_) = false;  ///< a reader may hold the elements
 };
 
 using Entry = std::pair<std::string, Value>;
@@ -50,14 +76,24 @@ using Entry = std::pair<std::string, Value>;
 class MemoryDictionary final : public DictionaryStorage {
  public:
   MemoryDictionary() = default;
-  /// The last of several entries with one key counts, and nil values are left out.
-  explicit MemoryDictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
-    auto before = [](const Entry& left, const Entry& right) { return left.first < right.first; };
-    std::stable_sort(entries_.begin(), entries_.end(), before);
-    auto sameKey = [](const Entry& left, const Entry& right) { return left.first == right.first; };
-    auto unique = std::unique(entries_.rbegin(), entries_.rend(), sameKey).base();
-    entries_.erase(entries_.begin(), unique);
-    std::erase_if(entries_, [](const Entry& entry) { return entry.second.isNil(); });
+  /// The last of several entries with one key counts, and nil values are left out. Pointers are what is
+  /// sorted: two dictionaries are made for every file that is copied.
+  explicit MemoryDictionary(std::span<const Entry> entries) {
+    std::vector<const Entry*> sorted;
+    sorted.reserve(entries.size());
+    for (const Entry& entry : entries) {
+      auto behind = std::upper_bound(sorted.begin(), sorted.end(), &entry,
+                                     [](auto* left, auto* right) { return left->first < right->first; });
+      if (behind != sorted.begin() && (*std::prev(behind))->first == entry.first) {
+        *std::prev(behind) = &entry;
+      } else {
+        sorted.insert(behind, &entry);
+      }
+    }
+    entries_.reserve(sorted.size());
+    for (const Entry* entry : sorted) {
+      if (!entry->second.isNil()) entries_.push_back(*entry);
+    }
   }
 
   Value get(std::string_view key) const override {
@@ -107,7 +143,7 @@ Array::Array(std::vector<Value> values) : storage_(std::make_shared<MemoryArray>
 Dictionary::Dictionary() : storage_(std::make_shared<MemoryDictionary>()) {}
 
 Dictionary::Dictionary(std::initializer_list<std::pair<std::string, Value>> entries)
-    : storage_(std::make_shared<MemoryDictionary>(std::vector<Entry>(entries))) {}
+    : storage_(std::make_shared<MemoryDictionary>(std::span(entries.begin(), entries.size()))) {}
 
 Dictionary Dictionary::mutableCopy() const {
   if (auto* own = dynamic_cast<const MemoryDictionary*>(storage_.get())) {

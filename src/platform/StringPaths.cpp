@@ -55,9 +55,13 @@ std::string lastPathComponent(std::string_view path) {
 }
 
 std::string pathExtension(std::string_view path) {
+  return std::string(pathExtensionIn(path));
+}
+
+std::string_view pathExtensionIn(std::string_view path) {
   std::string_view component = lastComponentOf(path);
   size_t dot = extensionDot(component);
-  return dot == std::string_view::npos ? std::string() : std::string(component.substr(dot + 1));
+  return dot == std::string_view::npos ? std::string_view() : component.substr(dot + 1);
 }
 
 std::string stringByDeletingLastPathComponent(std::string_view path) {

@@ -15,6 +15,8 @@ std::string lastPathComponent(std::string_view path);
 
 /// The text after the last dot of the last component. Empty for "a", "a.", ".a" and "..".
 std::string pathExtension(std::string_view path);
+/// The same as a part of the path itself.
+std::string_view pathExtensionIn(std::string_view path);
 
 /// "/tmp/a" gives "/tmp", "/tmp" gives "/", "a" gives "". Runs of separators collapse: "//a//b/c" gives
 /// "/a/b".

@@ -200,6 +200,7 @@ Value::Value(MaybeString text) {
 }
 Value::Value(const Array& array) : held_(array.storage()) {}
 Value::Value(const Dictionary& dictionary) : held_(dictionary.storage()) {}
+Value::Value(Dictionary&& dictionary) : held_(std::move(dictionary.storage_)) {}
 
 MaybeString Value::string() const {
   const std::string* text = stringIfAny();
@@ -211,9 +212,14 @@ std::optional<Array> Value::array() const {
   return storage ? std::optional<Array>(Array(*storage)) : std::nullopt;
 }
 
-std::optional<Dictionary> Value::dictionary() const {
+std::optional<Dictionary> Value::dictionary() const& {
   auto* storage = std::get_if<std::shared_ptr<DictionaryStorage>>(&held_);
   return storage ? std::optional<Dictionary>(Dictionary(*storage)) : std::nullopt;
+}
+
+std::optional<Dictionary> Value::dictionary() && {
+  auto* storage = std::get_if<std::shared_ptr<DictionaryStorage>>(&held_);
+  return storage ? std::optional<Dictionary>(Dictionary(std::move(*storage))) : std::nullopt;
 }
 
 std::shared_ptr<const Data> Value::data() const {

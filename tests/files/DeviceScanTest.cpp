@@ -48,6 +48,18 @@ TEST_F(DeviceScan, DescribesEachFileByPathNameAndSize) {
       (Lines{"FileName: text a.mp3", "FilePath: text " + internal + "/Music/a.mp3", "FileSize: u64 5000"}));
 }
 
+TEST_F(DeviceScan, FindsTheSameOnTheSystemsOwnFiles) {
+  for (const char* name : {"b/x", "b/deep/y", "a/z", "top", "a/.hidden", ".cache/h"}) put(name);
+  surroundings.environment.fileSystem = posixFileSystem();
+  service = surroundings.makeService();
+  service->addDiskInformation(disk(1, internal));
+  Lines found = scan();
+  std::sort(found.begin(), found.end());
+  EXPECT_EQ(found, (Lines{"a/z", "b/deep/y", "b/x", "top"}));
+  EXPECT_EQ(scan(false).size(), 6u);
+  EXPECT_EQ(service->subpathsAtDisk(0, 0, true)->at(0).dictionary()->get(key::kFileSize).intValue(), 2);
+}
+
 TEST_F(DeviceScan, GoesLevelByLevel) {
   for (const char* name : {"b/x", "b/deep/y", "a/z", "top", "a/deep/w"}) put(name);
   EXPECT_EQ(scan(), (Lines{"top", "a/z", "b/x", "a/deep/w", "b/deep/y"}));

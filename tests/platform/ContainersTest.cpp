@@ -157,6 +157,38 @@ void onThreads(int count, const std::function<void(int)>& body) {
   for (std::thread& thread : threads) thread.join();
 }
 
+TEST(Arrays, LeaveTheElementsThatAReaderHoldsAsTheyWere) {
+  Array array{"a", "b"};
+  const auto before = array.elements();
+  array.append("c");
+  array.removeAt(0);
+  EXPECT_EQ(before->size(), 2u);
+  EXPECT_EQ(before->front().string(), "a");
+  EXPECT_TRUE(Value(array).isEqual(Array{"b", "c"}));
+  const auto now = array.elements();
+  array.assign({});
+  EXPECT_EQ(now->size(), 2u);
+  EXPECT_TRUE(array.empty());
+  EXPECT_EQ(Array(std::make_shared<HostArray>()).elements()->size(), 2u);
+}
+
+TEST(Arrays, ShowReadersWholeElementsWhileTheyChange) {
+  Array array{std::string(40, 'x')};
+  std::atomic<int> torn{0};
+  onThreads(4, [&](int thread) {
+    for (int i = 0; i < 300; ++i) {
+      if (thread == 0) {
+        array.append(std::string(40, 'x'));
+        continue;
+      }
+      const auto elements = array.elements();
+      for (const Value& element : *elements) torn += *element.stringIfAny() != std::string(40, 'x');
+    }
+  });
+  EXPECT_EQ(torn, 0);
+  EXPECT_EQ(array.count(), 301u);
+}
+
 TEST(Arrays, LoseNothingThatSeveralThreadsAppend) {
   Array array;
   onThreads(4, [&](int) {

@@ -184,6 +184,42 @@ TEST_F(FileSystemLooks, ListTheFolderThatALinkLeadsTo) {
   EXPECT_EQ(listed->front().name, "file");
 }
 
+TEST_F(FileSystemLooks, GiveTheAttributesOfTheEntriesOfAnOpenFolder) {
+  sandbox.file("folder/file", "12345");
+  sandbox.folder("folder/sub");
+  link("folder/link", "file");
+  link("folder/dangling", "missing");
+  fifo("folder/pipe");
+  auto folder = files.openFolder(sandbox.at("folder"));
+  ASSERT_TRUE(folder);
+  auto listed = (*folder)->list();
+  ASSERT_TRUE(listed);
+  EXPECT_EQ(listed->size(), 5u);
+  EXPECT_EQ((*folder)->attributes("file")->size, 5u);
+  EXPECT_EQ((*folder)->attributes("link")->inode, files.attributes(sandbox.at("folder/file"))->inode);
+  EXPECT_EQ((*folder)->attributes("sub")->type, FileType::Directory);
+  EXPECT_EQ((*folder)->attributes("pipe")->type, FileType::Other);
+  const FileError missing = (*folder)->attributes("dangling").error();
+  EXPECT_EQ(missing.systemNumber, ENOENT);
+  EXPECT_EQ(missing.path, sandbox.at("folder/dangling"));
+  EXPECT_EQ((*folder)->attributes(std::string("file\0", 5)).error().systemNumber, EINVAL);
+}
+
+TEST_F(FileSystemLooks, StayInAFolderThatIsRenamedWhileItIsOpen) {
+  sandbox.file("folder/file", "12345");
+  auto folder = files.openFolder(sandbox.at("folder"));
+  ASSERT_TRUE(folder);
+  ASSERT_TRUE(files.move(sandbox.at("folder"), sandbox.at("renamed")));
+  EXPECT_EQ((*folder)->list()->front().name, "file");
+  EXPECT_EQ((*folder)->attributes("file")->size, 5u);
+}
+
+TEST_F(FileSystemLooks, OpenNothingButFolders) {
+  EXPECT_EQ(files.openFolder(sandbox.file("file", "x")).error().systemNumber, ENOTDIR);
+  EXPECT_EQ(files.openFolder(sandbox.at("missing")).error().systemNumber, ENOENT);
+  EXPECT_EQ(files.openFolder(sandbox.path() + std::string("\0", 1)).error().systemNumber, EINVAL);
+}
+
 TEST_F(FileSystemLooks, ListNothingButFoldersAndNeverWaitForAPipe) {
   const std::pair<std::string, int> rows[] = {
       {sandbox.file("file", "x"), ENOTDIR},

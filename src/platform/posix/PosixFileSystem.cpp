@@ -1,4 +1,3 @@
-#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <sys/statvfs.h>
@@ -6,10 +5,10 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 
 #include "ExclusiveRename.h"
 #include "PosixFileHandle.h"
+#include "PosixFolder.h"
 #include "RemoveTree.h"
 #include "Retry.h"
 #include "SyncVolume.h"
@@ -19,49 +18,6 @@ namespace umsservice {
 namespace {
 
 using Action = FileError::Action;
-
-FileType typeOfMode(mode_t mode) {
-  if (S_ISREG(mode)) return FileType::Regular;
-  if (S_ISDIR(mode)) return FileType::Directory;
-  if (S_ISLNK(mode)) return FileType::SymbolicLink;
-  return FileType::Other;
-}
-
-FileType typeOfEntry(const dirent& entry) {
-  switch (entry.d_type) {
-    case DT_REG:
-      return FileType::Regular;
-    case DT_DIR:
-      return FileType::Directory;
-    case DT_LNK:
-      return FileType::SymbolicLink;
-    case DT_UNKNOWN:
-      return FileType::Unknown;
-    default:
-      return FileType::Other;
-  }
-}
-
-FileAttributes attributesOf(const struct stat& status) {
-  FileAttributes attributes;
-  attributes.type = typeOfMode(status.st_mode);
-  attributes.size = static_cast<uint64_t>(status.st_size);
-  attributes.device = static_cast<uint64_t>(status.st_dev);
-  attributes.inode = static_cast<uint64_t>(status.st_ino);
-  attributes.modified = static_cast<int64_t>(status.st_mtime);
-  constexpr uint64_t kStatusBlock = 512;
-  attributes.allocated = static_cast<uint64_t>(status.st_blocks) * kStatusBlock;
-  return attributes;
-}
-
-/// A path with a NUL byte would silently name something else.
-bool isUsablePath(const std::string& path) {
-  return path.find('\0') == std::string::npos;
-}
-
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
 
 /// Why an item of that type is not opened; 0 for a regular file.
 int refusalOf(const struct stat& status) {
@@ -74,19 +30,24 @@ constexpr int kCareful = O_CLOEXEC | O_NONBLOCK | O_NOCTTY;
 
 /// Opens what is there, without ever waiting for a peer, and keeps the descriptor only when it is a regular
 /// file.
-FileResult<std::unique_ptr<FileHandle>> openRegular(const std::string& path, int flags, Action action) {
-  if (!isUsablePath(path)) return FileError{EINVAL, action, path};
+FileResult<std::unique_ptr<FileHandle>> openSeenRegular(const std::string& path, int flags, Action action) {
   struct stat status {};
-  // Looks before it opens: opening is enough to make some devices act.
-  int follow = (flags & O_NOFOLLOW) != 0 ? AT_SYMLINK_NOFOLLOW : 0;
-  if (::fstatat(AT_FDCWD, path.c_str(), &status, follow) != 0) return FileError{errno, action, path};
-  if (refusalOf(status) != 0) return FileError{refusalOf(status), action, path};
   int descriptor = retried([&] { return ::open(path.c_str(), flags | kCareful); });
   if (descriptor < 0) return FileError{errno, action, path};
   auto handle = std::make_unique<PosixFileHandle>(descriptor, path);
   if (::fstat(descriptor, &status) != 0) return FileError{errno, action, path};
   if (refusalOf(status) != 0) return FileError{refusalOf(status), action, path};
   return std::unique_ptr<FileHandle>(std::move(handle));
+}
+
+/// Looks before it opens: opening is enough to make some devices act.
+FileResult<std::unique_ptr<FileHandle>> openRegular(const std::string& path, int flags, Action action) {
+  if (!isUsablePath(path)) return FileError{EINVAL, action, path};
+  struct stat status {};
+  int follow = (flags & O_NOFOLLOW) != 0 ? AT_SYMLINK_NOFOLLOW : 0;
+  if (::fstatat(AT_FDCWD, path.c_str(), &status, follow) != 0) return FileError{errno, action, path};
+  if (refusalOf(status) != 0) return FileError{refusalOf(status), action, path};
+  return openSeenRegular(path, flags, action);
 }
 
 class PosixFileSystem final : public FileSystem {
@@ -107,26 +68,13 @@ class PosixFileSystem final : public FileSystem {
   }
 
   FileResult<std::vector<DirectoryEntry>> list(const std::string& folder) override {
-    if (!isUsablePath(folder)) return FileError{EINVAL, Action::Reading, folder};
-    int descriptor =
-        retried([&] { return ::open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC | O_NONBLOCK); });
-    if (descriptor < 0) return FileError{errno, Action::Reading, folder};
-    std::unique_ptr<DIR, CloseFolder> stream(::fdopendir(descriptor));
-    if (!stream) {
-      FileError error{errno, Action::Reading, folder};
-      ::close(descriptor);
-      return error;
-    }
-    std::vector<DirectoryEntry> entries;
-    for (;;) {
-      errno = 0;
-      const dirent* entry = ::readdir(stream.get());
-      if (!entry) break;
-      if (std::strcmp(entry->d_name, ".") == 0 || std::strcmp(entry->d_name, "..") == 0) continue;
-      entries.push_back({entry->d_name, typeOfEntry(*entry)});
-    }
-    if (errno != 0) return FileError{errno, Action::Reading, folder};
-    return entries;
+    auto opened = openPosixFolder(folder);
+    if (!opened) return opened.error();
+    return (*opened)->list();
+  }
+
+  FileResult<std::unique_ptr<FolderHandle>> openFolder(const std::string& folder) override {
+    return openPosixFolder(folder);
   }
 
   FileStatus createFolders(const std::string& folder) override {
@@ -158,6 +106,11 @@ class PosixFileSystem final : public FileSystem {
 
   FileResult<std::unique_ptr<FileHandle>> openForReading(const std::string& path) override {
     return openRegular(path, O_RDONLY, Action::Reading);
+  }
+
+  FileResult<std::unique_ptr<FileHandle>> openSeen(const std::string& path) override {
+    if (!isUsablePath(path)) return FileError{EINVAL, Action::Reading, path};
+    return openSeenRegular(path, O_RDONLY, Action::Reading);
   }
 
   FileStatus move(const std::string& from, const std::string& to) override {

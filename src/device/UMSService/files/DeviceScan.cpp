@@ -1,9 +1,10 @@
 #include "DeviceScan.h"
 
+#include <algorithm>
 #include <cerrno>
-#include <iterator>
 
 #include "FolderOperations.h"
+#include "ListedFiles.h"
 #include "NoMedia.h"
 #include "StringPaths.h"
 #include "umsservice/Notifications.h"
@@ -17,16 +18,19 @@ bool leadsNowhere(const FileError& error) {
 
 }  // namespace
 
-/// The state of one scan.
+/// The state of one scan. Paths are relative to its root.
 struct DeviceScan::Walk {
   /// Queues a folder unless it has been queued before: a damaged file system can show one twice.
   void queue(std::string path, const FileAttributes& attributes) {
     if (known.emplace(attributes.device, attributes.inode).second) folders.push_back(std::move(path));
   }
 
+  const std::string& root;
+  const bool skipNoMedia;
   std::deque<std::string> folders;
   std::set<std::pair<uint64_t, uint64_t>> known;
-  std::vector<Value> found;
+  PathList found;
+  std::vector<uint64_t> sizes;  ///< of what was found, bytes
 };
 
 MaybeArray DeviceScan::subpathsAtDisk(uint32_t diskIndex, bool skipNoMedia) const {
@@ -42,46 +46,50 @@ MaybeArray DeviceScan::subpathsAtDisk(uint32_t diskIndex, bool skipNoMedia) cons
 }
 
 MaybeArray DeviceScan::fileScan(const std::string& folder, bool skipNoMedia) const {
-  Walk walk;
+  Walk walk{folder, skipNoMedia, {}, {}, {}, {}};
   auto root = files_.attributes(folder);
-  if (root) walk.queue(folder, *root);
+  if (root) walk.queue("", *root);
   while (!walk.folders.empty()) {
     std::string current = std::move(walk.folders.front());
     walk.folders.pop_front();
-    scanFolder(current, skipNoMedia, walk);
+    scanFolder(current, walk);
   }
   if (walk.found.empty()) return std::nullopt;
-  return Array(std::move(walk.found));
+  return listedFiles({.folder = folder}, std::move(walk.found), std::move(walk.sizes));
 }
 
-void DeviceScan::scanFolder(const std::string& folder, bool skipNoMedia, Walk& walk) const {
-  auto entries = files_.list(folder);
+void DeviceScan::scanFolder(const std::string& subpath, Walk& walk) const {
+  const std::string path = subpath.empty() ? walk.root : joinedPath(walk.root, subpath);
+  auto folder = files_.openFolder(path);
+  auto entries = folder ? (*folder)->list() : folder.error();
   if (!entries) return;
-  std::vector<Value> batch;
-  for (const DirectoryEntry& entry : *entries) {
-    if (!isEntryName(entry.name)) continue;
-    if (skipNoMedia && isNoMediaMarker(entry.name)) return;  // the batch is lost, queued folders stay
-    if (skipNoMedia && isHiddenName(entry.name)) continue;
-    examine(joinedPath(folder, entry.name), entry, walk, batch);
+  auto isMarker = [&](const DirectoryEntry& entry) { return isNoMediaMarker(entry.name); };
+  auto end = walk.skipNoMedia ? std::find_if(entries->begin(), entries->end(), isMarker) : entries->end();
+  const bool isMarked = end != entries->end();  // its files are lost, folders met before the marker stay
+  const std::string prefix = subpath.empty() ? subpath : subpath + "/";
+  for (auto entry = entries->begin(); entry != end; ++entry) {
+    if (!isEntryName(entry->name) || (walk.skipNoMedia && isHiddenName(entry->name))) continue;
+    if (isMarked && entry->type == FileType::Regular) continue;
+    examine(**folder, prefix, *entry, isMarked, walk);
   }
-  std::move(batch.begin(), batch.end(), std::back_inserter(walk.found));
 }
 
-void DeviceScan::examine(const std::string& path, const DirectoryEntry& entry, Walk& walk,
-                         std::vector<Value>& batch) const {
-  auto attributes = files_.attributes(path);
+void DeviceScan::examine(FolderHandle& folder, const std::string& prefix, const DirectoryEntry& entry,
+                         bool isMarked, Walk& walk) const {
+  auto attributes = folder.attributes(entry.name);
   const bool isLink = entry.type == FileType::SymbolicLink;
   // An entry whose attributes cannot be read is a file all the same; a link that leads nowhere is nothing.
   if (!attributes && (isLink || leadsNowhere(attributes.error()))) return;
   const FileType type = attributes ? attributes->type : entry.type;
   if (type == FileType::Directory) {
-    bool linkInDisguise = entry.type == FileType::Unknown && isSymbolicLink(path);
-    if (attributes && !isLink && !linkInDisguise) walk.queue(path, *attributes);
+    std::string path = prefix + entry.name;
+    bool linkInDisguise = entry.type == FileType::Unknown && isSymbolicLink(joinedPath(walk.root, path));
+    if (attributes && !isLink && !linkInDisguise) walk.queue(std::move(path), *attributes);
     return;
   }
-  batch.emplace_back(Dictionary{{key::kFilePath, path},
-                                {key::kFileName, entry.name},
-                                {key::kFileSize, attributes ? attributes->size : uint64_t{0}}});
+  if (isMarked) return;
+  walk.found.append(prefix, entry.name, type);
+  walk.sizes.push_back(attributes ? attributes->size : 0);
 }
 
 bool DeviceScan::isSymbolicLink(const std::string& path) const {

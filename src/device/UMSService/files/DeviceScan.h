@@ -28,9 +28,9 @@ class DeviceScan {
  private:
   struct Walk;
 
-  void scanFolder(const std::string& folder, bool skipNoMedia, Walk& walk) const;
-  void examine(const std::string& path, const DirectoryEntry& entry, Walk& walk,
-               std::vector<Value>& batch) const;
+  void scanFolder(const std::string& subpath, Walk& walk) const;
+  void examine(FolderHandle& folder, const std::string& prefix, const DirectoryEntry& entry, bool isMarked,
+               Walk& walk) const;
 
   bool isSymbolicLink(const std::string& path) const;
 

@@ -18,12 +18,20 @@ std::string_view lastComponentOf(std::string_view listedPath) {
   return listedPath.substr(listedPath.rfind('/') + 1);
 }
 
-std::vector<std::string> markersIn(const std::vector<std::string>& entries) {
+std::vector<std::string> markersIn(const PathList& paths) {
   std::vector<std::string> markers;
-  for (const std::string& entry : entries) {
-    if (isNoMediaMarker(lastComponentOf(entry))) markers.push_back(entry);
+  for (size_t i = 0; i < paths.size(); ++i) {
+    if (isNoMediaMarker(lastComponentOf(paths[i]))) markers.emplace_back(paths[i]);
   }
   return markers;
+}
+
+PathList entriesOf(const std::vector<DirectoryEntry>& entries) {
+  PathList names;
+  for (const DirectoryEntry& entry : entries) {
+    if (isEntryName(entry.name)) names.append("", entry.name, entry.type);
+  }
+  return names;
 }
 
 Array arrayOf(std::vector<std::string> texts) {
@@ -43,32 +51,25 @@ bool isEntryName(std::string_view name) {
   return !name.empty() && name != "." && name != ".." && name.find('/') == std::string_view::npos;
 }
 
-FileType FolderOperations::typeOf(const std::string& path, FileType listedType) const {
-  if (listedType != FileType::Unknown) return listedType;
+FileType FolderOperations::typeOf(const std::string& path) const {
   auto found = files_.linkAttributes(path);
   return found ? found->type : FileType::Unknown;
 }
 
-std::optional<std::vector<ListedPath>> FolderOperations::entriesAtPath(const std::string& folder) const {
+std::optional<PathList> FolderOperations::entriesAtPath(const std::string& folder) const {
   auto entries = files_.list(folder);
-  if (!entries) return std::nullopt;
-  std::vector<ListedPath> listed;
-  listed.reserve(entries->size());
-  for (DirectoryEntry& entry : *entries) {
-    if (isEntryName(entry.name)) listed.push_back({std::move(entry.name), entry.type});
-  }
-  return listed;
+  return entries ? std::optional(entriesOf(*entries)) : std::nullopt;
 }
 
-std::optional<std::vector<ListedPath>> FolderOperations::subpathsAtPath(const std::string& folder) const {
+std::optional<PathList> FolderOperations::subpathsAtPath(const std::string& folder) const {
   struct Level {
     std::string prefix;  ///< of the entries, relative to the listed folder
-    std::vector<ListedPath> entries;
+    std::vector<DirectoryEntry> entries;
     size_t next = 0;
   };
-  auto top = entriesAtPath(folder);
+  auto top = files_.list(folder);
   if (!top) return std::nullopt;
-  std::vector<ListedPath> subpaths;
+  PathList subpaths;
   std::vector<Level> levels;
   levels.push_back({"", std::move(*top)});
   while (!levels.empty()) {
@@ -77,54 +78,40 @@ std::optional<std::vector<ListedPath>> FolderOperations::subpathsAtPath(const st
       levels.pop_back();
       continue;
     }
-    ListedPath& entry = level.entries[level.next++];
-    std::string path = level.prefix + entry.path;
-    const FileType type = typeOf(joinedPath(folder, path), entry.type);
-    subpaths.push_back({path, type});
+    const DirectoryEntry& entry = level.entries[level.next++];
+    if (!isEntryName(entry.name)) continue;
+    FileType type = entry.type;
+    if (type == FileType::Unknown) type = typeOf(joinedPath(folder, level.prefix + entry.name));
+    subpaths.append(level.prefix, entry.name, type);
     if (type != FileType::Directory) continue;
-    auto below = entriesAtPath(joinedPath(folder, path));
+    const std::string path = level.prefix + entry.name;
+    auto below = files_.list(joinedPath(folder, path));
     if (below) levels.push_back({path + "/", std::move(*below)});
   }
   return subpaths;
 }
 
-std::vector<std::string> FolderOperations::deepNames(const std::string& folder) const {
-  std::vector<std::string> names;
-  auto subpaths = subpathsAtPath(folder);
-  if (!subpaths) return names;  // a folder that cannot be walked counts as empty here
-  names.reserve(subpaths->size());
-  for (ListedPath& subpath : *subpaths) names.push_back(std::move(subpath.path));
-  return names;
-}
-
-std::optional<std::vector<std::string>> FolderOperations::shallowNames(const std::string& folder) const {
+std::optional<PathList> FolderOperations::shallowNames(const std::string& folder) const {
   auto entries = files_.list(folder);
-  if (!entries) {
-    context_.log.write(3, kListerMethod, "fileLists Failed. error = %@", entries.error());
-    return std::nullopt;
-  }
-  std::vector<std::string> names;
-  names.reserve(entries->size());
-  for (DirectoryEntry& entry : *entries) {
-    if (isEntryName(entry.name)) names.push_back(std::move(entry.name));
-  }
-  return names;
+  if (entries) return entriesOf(*entries);
+  context_.log.write(3, kListerMethod, "fileLists Failed. error = %@", entries.error());
+  return std::nullopt;
 }
 
-std::optional<std::vector<std::string>> FolderOperations::listed(const MaybeString& folder,
-                                                                 bool enumChild) const {
+std::optional<PathList> FolderOperations::listed(const MaybeString& folder, bool enumChild) const {
   if (!folder) {
     context_.log.write(3, kListerMethod, "Input parameters is invalid. FolderNameString = %@", folder);
     return std::nullopt;
   }
-  auto entries = enumChild ? std::optional(deepNames(*folder)) : shallowNames(*folder);
-  if (!entries) return std::nullopt;
-  std::vector<std::string> markers = markersIn(*entries);
+  auto paths = enumChild ? subpathsAtPath(*folder) : shallowNames(*folder);
+  if (!paths && !enumChild) return std::nullopt;
+  if (!paths) return PathList();  // a folder that cannot be walked counts as empty
+  std::vector<std::string> markers = markersIn(*paths);
   if (!markers.empty()) {
     NoMediaFolders hidden(markers);
-    std::erase_if(*entries, [&](const std::string& entry) { return hidden.hides(entry); });
+    paths->keepIf([&](std::string_view path) { return !hidden.hides(path); });
   }
-  return entries;
+  return paths;
 }
 
 bool FolderOperations::fileLists(uint32_t, const MaybeString& fileName, bool enumChild,

@@ -4,16 +4,10 @@
 /// entered, so a loop on a device cannot hold a listing.
 #pragma once
 
+#include "PathList.h"
 #include "ServiceContext.h"
 
 namespace umsservice {
-
-/// An entry of a deep listing: its path relative to the listed folder. A link is a link, whatever it leads
-/// to.
-struct ListedPath {
-  std::string path;
-  FileType type = FileType::Unknown;
-};
 
 /// Whether a listed name can be one of the folder's entries. A damaged file system can hand out names that
 /// are none, or that lead back to the folder or out of it.
@@ -27,11 +21,11 @@ class FolderOperations {
   /// folders; folders are entries too. The first argument is not used.
   bool fileLists(uint32_t unused, const MaybeString& fileName, bool enumChild, MaybeArray& contents) const;
   /// The same as plain text; nothing when the folder cannot be listed.
-  std::optional<std::vector<std::string>> listed(const MaybeString& folder, bool enumChild) const;
+  std::optional<PathList> listed(const MaybeString& folder, bool enumChild) const;
   /// Everything below a folder, depth first, without any rule; nothing when the folder cannot be listed.
-  std::optional<std::vector<ListedPath>> subpathsAtPath(const std::string& folder) const;
+  std::optional<PathList> subpathsAtPath(const std::string& folder) const;
   /// The direct entries of a folder, without any rule.
-  std::optional<std::vector<ListedPath>> entriesAtPath(const std::string& folder) const;
+  std::optional<PathList> entriesAtPath(const std::string& folder) const;
   /// Names of the direct sub-folders that are not hidden; nil when the folder cannot be listed.
   MaybeArray folderLists(const MaybeString& folder) const;
   /// Names of the direct files that are not hidden; nil when the folder cannot be listed.
@@ -52,9 +46,8 @@ class FolderOperations {
 
  private:
   MaybeArray directChildren(const MaybeString& folder, bool folders, const char* method) const;
-  std::optional<std::vector<std::string>> shallowNames(const std::string& folder) const;
-  std::vector<std::string> deepNames(const std::string& folder) const;
-  FileType typeOf(const std::string& path, FileType listedType) const;
+  std::optional<PathList> shallowNames(const std::string& folder) const;
+  FileType typeOf(const std::string& path) const;
 
   const ServiceContext& context_;
   FileSystem& files_;

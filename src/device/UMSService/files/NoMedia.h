@@ -17,15 +17,18 @@ namespace umsservice {
 bool isNoMediaMarker(std::string_view name);
 
 /// The folders of a list of markers, ready to be asked about many paths. Asking costs the logarithm of the
-/// number of folders.
+/// number of folders, and less for a path that lies where the one before it did. For one thread.
 class NoMediaFolders {
  public:
   explicit NoMediaFolders(const std::vector<std::string>& markers);
   /// Whether a path begins with one of the folders.
-  bool hides(std::string_view path) const;
+  bool hides(std::string_view path);
 
  private:
+  bool isBetween(std::string_view path) const;
+
   std::vector<std::string> folders_;  ///< sorted; none is a prefix of another
+  size_t after_ = 0;                  ///< the first folder behind the path that was asked about last
 };
 
 /// True keeps the path. Nil is dropped; without markers every path is kept.

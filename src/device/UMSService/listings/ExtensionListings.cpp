@@ -32,15 +32,15 @@ bool MediaListings::isFile(const std::string& path, FileType listedType) const {
 }
 
 /// The tests by name alone, with a line for each that turns a file away.
-bool MediaListings::isListable(const std::string& folder, const ListedPath& entry,
+bool MediaListings::isListable(const std::string& folder, std::string_view subpath,
                                const MaybeArray& extensions, const char* method) const {
-  std::string extension = pathExtension(entry.path);
+  std::string extension = pathExtension(subpath);
   if (extension.empty()) {
     context_.log.write(1, method, "File Extension is nil. Next path search");
     return false;
   }
-  if (isHiddenFile(entry.path)) {
-    context_.log.write(7, method, "%@ file in Hidden folder. Skip file", joinedPath(folder, entry.path));
+  if (isHiddenFile(subpath)) {
+    context_.log.write(7, method, "%@ file in Hidden folder. Skip file", joinedPath(folder, subpath));
     return false;
   }
   return checkContentWithExtentions(extension, extensions);
@@ -49,33 +49,33 @@ bool MediaListings::isListable(const std::string& folder, const ListedPath& entr
 MaybeArray MediaListings::fileInformationList(const MaybeString& folder, const MaybeArray& extensionList,
                                               bool recursive) const {
   if (!extensionList) return std::nullopt;
-  std::optional<std::vector<ListedPath>> entries;
-  if (folder) entries = recursive ? folders_.subpathsAtPath(*folder) : folders_.entriesAtPath(*folder);
-  if (!entries) {
+  std::optional<PathList> paths;
+  if (folder) paths = recursive ? folders_.subpathsAtPath(*folder) : folders_.entriesAtPath(*folder);
+  if (!paths) {
     context_.log.write(1, kRecursiveMethod, "Get UMS File list failed");
     return std::nullopt;
   }
   Array files;
-  for (const ListedPath& entry : *entries) {
-    if (!isFile(joinedPath(*folder, entry.path), entry.type)) continue;
-    if (!isListable(*folder, entry, extensionList, kRecursiveMethod)) continue;
-    if (MaybeDictionary file = fileByExtension(*folder, entry, recursive)) files.append(*file);
+  for (size_t i = 0; i < paths->size(); ++i) {
+    const std::string_view subpath = (*paths)[i];
+    if (!isFile(joinedPath(*folder, subpath), paths->typeOf(i))) continue;
+    if (!isListable(*folder, subpath, extensionList, kRecursiveMethod)) continue;
+    if (MaybeDictionary file = fileByExtension(*folder, subpath, recursive)) files.append(*file);
   }
   return files;
 }
 
 /// Name, path and size: from the tags where there are any, else from the file itself.
-MaybeDictionary MediaListings::fileByExtension(const std::string& folder, const ListedPath& entry,
+MaybeDictionary MediaListings::fileByExtension(const std::string& folder, std::string_view subpath,
                                                bool recursive) const {
-  std::string path = joinedPath(folder, entry.path);
+  std::string path = joinedPath(folder, subpath);
   Dictionary file;
   if (MaybeDictionary tags = tagsOf(path)) {
     for (const char* name : {key::kFileName, key::kFilePath, key::kFileSize}) file.set(name, tags->get(name));
   } else {
     auto attributes = context_.files().attributes(path);
     if (!attributes) return std::nullopt;
-    file =
-        Dictionary{{key::kFileName, entry.path}, {key::kFilePath, path}, {key::kFileSize, attributes->size}};
+    file = Dictionary{{key::kFileName, subpath}, {key::kFilePath, path}, {key::kFileSize, attributes->size}};
   }
   if (recursive) file.set("FolderName", folderName(path, folder));
   return file;
@@ -84,15 +84,15 @@ MaybeDictionary MediaListings::fileByExtension(const std::string& folder, const 
 MaybeArray MediaListings::fileInformationList(const MaybeString& folder,
                                               const MaybeArray& extensionList) const {
   if (!extensionList) return std::nullopt;
-  auto entries = folder ? folders_.entriesAtPath(*folder) : std::nullopt;
-  if (!entries) {
+  auto paths = folder ? folders_.entriesAtPath(*folder) : std::nullopt;
+  if (!paths) {
     context_.log.write(1, kFlatMethod, "Get UMS File list failed");
     return std::nullopt;
   }
   Array files;
-  for (const ListedPath& entry : *entries) {
-    if (!isListable(*folder, entry, extensionList, kFlatMethod)) continue;
-    if (MaybeDictionary tags = tagsOf(joinedPath(*folder, entry.path))) files.append(*tags);
+  for (size_t i = 0; i < paths->size(); ++i) {
+    if (!isListable(*folder, (*paths)[i], extensionList, kFlatMethod)) continue;
+    if (MaybeDictionary tags = tagsOf(joinedPath(*folder, (*paths)[i]))) files.append(*tags);
   }
   return files;
 }

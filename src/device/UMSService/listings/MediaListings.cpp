@@ -2,6 +2,7 @@
 
 #include "CaseFolding.h"
 #include "DeviceScan.h"
+#include "ListedFiles.h"
 #include "MediaTypes.h"
 #include "StringPaths.h"
 #include "umsservice/Notifications.h"
@@ -38,16 +39,15 @@ bool MediaListings::isThumbnail(const std::string& path) const {
 }
 
 /// The visible files of one type, as paths below the volume.
-std::optional<std::vector<std::string>> MediaListings::mediaPaths(const Volume& volume,
-                                                                  uint32_t mediaType) const {
-  auto entries = folders_.listed(volume.path, true);
-  if (!entries) return std::nullopt;
+std::optional<PathList> MediaListings::mediaPaths(const Volume& volume, uint32_t mediaType) const {
+  auto paths = folders_.listed(volume.path, true);
+  if (!paths) return std::nullopt;
   const auto& extensions = extensionsOf(static_cast<int32_t>(mediaType));
-  std::erase_if(*entries, [&](const std::string& path) {
-    std::string extension = pathExtension(path);
-    return extension.empty() || isHiddenFile(path) || !checkContentWithExtentions(extension, extensions);
+  paths->keepIf([&](std::string_view path) {
+    std::string_view extension = pathExtensionIn(path);
+    return !extension.empty() && !isHiddenFile(path) && checkContentWithExtentions(extension, extensions);
   });
-  return entries;
+  return paths;
 }
 
 MaybeArray MediaListings::fileInformationList(uint32_t mediaType, uint32_t diskIndex) const {
@@ -64,8 +64,8 @@ MaybeArray MediaListings::taggedFiles(const Volume& volume, uint32_t mediaType) 
     return std::nullopt;
   }
   std::vector<Value> files;
-  for (const std::string& subpath : *paths) {
-    std::string path = joinedPath(*volume.path, subpath);
+  for (size_t i = 0; i < paths->size(); ++i) {
+    std::string path = joinedPath(*volume.path, (*paths)[i]);
     MaybeDictionary tags = tagsOf(path);
     if (!tags || (mediaType == kMediaImage && isThumbnail(path))) continue;
     Dictionary file = tags->mutableCopy();
@@ -113,23 +113,22 @@ void MediaListings::collectPodcast(const std::string& folder, const Value& entry
 
 /// The paths of a name listing; nothing when it has to end with nil. The release flag is looked at before
 /// each entry: a listing of a device that is going away is worth nothing.
-std::optional<std::vector<std::string>> MediaListings::nameListPaths(const Volume& volume, uint32_t mediaType,
-                                                                     const char* method) const {
-  auto entries = folders_.listed(volume.path, true);
-  if (!entries) {
+std::optional<PathList> MediaListings::nameListPaths(const Volume& volume, uint32_t mediaType,
+                                                     const char* method) const {
+  auto paths = folders_.listed(volume.path, true);
+  if (!paths) {
     context_.log.write(1, method, kListFailed);
     return std::nullopt;
   }
   const auto& extensions = extensionsOf(static_cast<int32_t>(mediaType));
-  std::vector<std::string> paths;
-  for (std::string& path : *entries) {
-    std::string extension = pathExtension(path);
-    if (extension.empty()) continue;
-    if (context_.isReleased()) return std::nullopt;
-    if (!isHiddenFile(path) && checkContentWithExtentions(extension, extensions))
-      paths.push_back(std::move(path));
-  }
-  return paths;
+  bool isReleased = false;
+  paths->keepIf([&](std::string_view path) {
+    std::string_view extension = pathExtensionIn(path);
+    if (extension.empty()) return false;
+    isReleased = isReleased || context_.isReleased();
+    return !isReleased && !isHiddenFile(path) && checkContentWithExtentions(extension, extensions);
+  });
+  return isReleased ? std::nullopt : std::move(paths);
 }
 
 MaybeArray MediaListings::fileNameList(uint32_t mediaType, uint32_t diskIndex) const {
@@ -137,14 +136,7 @@ MaybeArray MediaListings::fileNameList(uint32_t mediaType, uint32_t diskIndex) c
   auto paths = volume ? nameListPaths(*volume, mediaType, "-[UMSService fileNameList:mediaType:diskIndex:]")
                       : std::nullopt;
   if (!paths) return std::nullopt;
-  std::vector<Value> files;
-  files.reserve(paths->size());
-  for (const std::string& subpath : *paths) {
-    files.emplace_back(Dictionary{{key::kDiskIndex, volume->index},
-                                  {key::kFileName, lastPathComponent(subpath)},
-                                  {key::kFilePath, joinedPath(*volume->path, subpath)}});
-  }
-  return Array(std::move(files));
+  return listedFiles({.folder = *volume->path, .diskIndex = volume->index}, std::move(*paths));
 }
 
 MaybeArray MediaListings::fileNameListWithFolderStructure(uint32_t mediaType, uint32_t diskIndex) const {
@@ -152,16 +144,15 @@ MaybeArray MediaListings::fileNameListWithFolderStructure(uint32_t mediaType, ui
   constexpr auto kMethod = "-[UMSService fileNameListWithFolderStructure:mediaType:diskIndex:]";
   auto paths = volume ? nameListPaths(*volume, mediaType, kMethod) : std::nullopt;
   if (!paths) return std::nullopt;
-  std::vector<Value> files;
-  for (const std::string& subpath : *paths) {
-    std::string path = joinedPath(*volume->path, subpath);
-    files.emplace_back(
-        Dictionary{{key::kDiskIndex, volume->index},
-                   {key::kFilePath, path},
-                   {key::kFileName, volume->index == 0 ? subpath : joinedPath("External", subpath)},
-                   {key::kFileSize, sizes_.mediaFileSize(path)}});
-  }
-  return Array(std::move(files));
+  std::vector<uint64_t> sizes;
+  sizes.reserve(paths->size());
+  for (size_t i = 0; i < paths->size(); ++i)
+    sizes.push_back(sizes_.mediaFileSize(joinedPath(*volume->path, (*paths)[i])));
+  using FileName = ListedFilesForm::FileName;
+  return listedFiles({.folder = *volume->path,
+                      .fileName = volume->index == 0 ? FileName::Path : FileName::PathOnCard,
+                      .diskIndex = volume->index},
+                     std::move(*paths), std::move(sizes));
 }
 
 MaybeArray MediaListings::fileInformationListForAllMediaType() const {
@@ -171,14 +162,14 @@ MaybeArray MediaListings::fileInformationListForAllMediaType() const {
   for (uint32_t index = 0;; ++index) {
     auto volume = volumeOf(index);
     if (!volume || !volume->path) return listing;
-    auto entries = folders_.listed(volume->path, true);
-    if (!entries) {
+    auto paths = folders_.listed(volume->path, true);
+    if (!paths) {
       context_.log.write(1, kMethod, "UMS Media Scan is failed");
       continue;
     }
     Groups groups;
-    for (const std::string& subpath : *entries) {
-      if (collect(*volume->path, subpath, groups) == Collected::ShuttingDown) return std::nullopt;
+    for (size_t i = 0; i < paths->size(); ++i) {
+      if (collect(*volume->path, (*paths)[i], groups) == Collected::ShuttingDown) return std::nullopt;
     }
     for (int32_t mediaType : {kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
       Dictionary group{{"DiskIndex", index}, {"ContentMediaType", static_cast<uint32_t>(mediaType)}};
@@ -189,9 +180,9 @@ MaybeArray MediaListings::fileInformationListForAllMediaType() const {
   }
 }
 
-MediaListings::Collected MediaListings::collect(const std::string& volumePath, const std::string& subpath,
+MediaListings::Collected MediaListings::collect(const std::string& volumePath, std::string_view subpath,
                                                 Groups& groups) const {
-  if (pathExtension(subpath).empty()) return Collected::Next;
+  if (pathExtensionIn(subpath).empty()) return Collected::Next;
   if (context_.isReleased()) return Collected::ShuttingDown;
   if (isHiddenFile(subpath)) return Collected::Next;
   std::string path = joinedPath(volumePath, subpath);

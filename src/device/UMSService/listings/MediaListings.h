@@ -53,19 +53,18 @@ class MediaListings {
   enum class Collected { Next, ShuttingDown };
 
   std::optional<Volume> volumeOf(uint32_t diskIndex) const;
-  std::optional<std::vector<std::string>> mediaPaths(const Volume& volume, uint32_t mediaType) const;
-  std::optional<std::vector<std::string>> nameListPaths(const Volume& volume, uint32_t mediaType,
-                                                        const char* method) const;
+  std::optional<PathList> mediaPaths(const Volume& volume, uint32_t mediaType) const;
+  std::optional<PathList> nameListPaths(const Volume& volume, uint32_t mediaType, const char* method) const;
   bool isThumbnail(const std::string& path) const;
   MaybeDictionary tagsOf(const std::string& path) const;
   MaybeArray taggedFiles(const Volume& volume, uint32_t mediaType) const;
   MaybeArray podcastsOf(const Volume& volume) const;
   void collectPodcast(const std::string& folder, const Value& entry, Array& podcasts) const;
-  Collected collect(const std::string& volumePath, const std::string& subpath, Groups& groups) const;
+  Collected collect(const std::string& volumePath, std::string_view subpath, Groups& groups) const;
   void collectTagged(const std::string& path, int32_t mediaType, const Dictionary& tags,
                      Groups& groups) const;
-  MaybeDictionary fileByExtension(const std::string& folder, const ListedPath& entry, bool recursive) const;
-  bool isListable(const std::string& folder, const ListedPath& entry, const MaybeArray& extensions,
+  MaybeDictionary fileByExtension(const std::string& folder, std::string_view subpath, bool recursive) const;
+  bool isListable(const std::string& folder, std::string_view subpath, const MaybeArray& extensions,
                   const char* method) const;
   bool isFile(const std::string& path, FileType listedType) const;
 

@@ -29,7 +29,7 @@ const std::vector<std::string>& extensionsOf(int32_t mediaType) {
   }
 }
 
-bool checkContentWithExtentions(const std::string& extension, const std::vector<std::string>& extLists) {
+bool checkContentWithExtentions(std::string_view extension, const std::vector<std::string>& extLists) {
   if (!extLists.empty() && extLists.front() == "*") return true;
   return std::any_of(extLists.begin(), extLists.end(),
                      [&](const std::string& listed) { return equalIgnoringCase(listed, extension); });

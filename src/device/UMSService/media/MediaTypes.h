@@ -13,7 +13,7 @@ const std::vector<std::string>& extensionsOf(int32_t mediaType);
 
 /// Whether an extension is in a list, in any letter case. A first element "*" accepts every extension.
 bool checkContentWithExtentions(const MaybeString& extension, const MaybeArray& extLists);
-bool checkContentWithExtentions(const std::string& extension, const std::vector<std::string>& extLists);
+bool checkContentWithExtentions(std::string_view extension, const std::vector<std::string>& extLists);
 
 /// The media type of a file path or name; 0 when no list has its extension. Podcasts are told by their index
 /// file, so only "xml" is one.

@@ -1,6 +1,6 @@
 #include "EpisodeList.h"
 
-#include "Mutex.h"
+#include "ComputedArray.h"
 
 namespace umsservice {
 
@@ -79,69 +79,23 @@ class EpisodeList::OwnEpisode final : public DictionaryStorage {
 };
 
 /// An array over the first episodes of a shared list. An element becomes a dictionary of the array's own when
-/// it is first looked at; the first change of the array itself does that to all of them.
-class EpisodeList::Snapshot final : public ArrayStorage {
+/// it is first looked at.
+class EpisodeList::Snapshot final : public ComputedArray {
  public:
-  Snapshot(std::shared_ptr<const SharedList> list, size_t count) : list_(std::move(list)), count_(count) {}
-
-  size_t count() const override {
-    MutexLock lock(mutex_);
-    return list_ ? count_ : values_.size();
-  }
-  Value at(size_t index) const override {
-    MutexLock lock(mutex_);
-    return elementAt(index);
-  }
-  std::vector<Value> snapshot() const override {
-    MutexLock lock(mutex_);
-    return elements();
-  }
-  void append(Value value) override {
-    MutexLock lock(mutex_);
-    detach();
-    values_.push_back(std::move(value));
-  }
-  void removeAt(size_t index) override {
-    Value removed;  // outlives the lock, as above
-    MutexLock lock(mutex_);
-    detach();
-    if (index >= values_.size()) return;
-    removed = std::move(values_[index]);
-    values_.erase(values_.begin() + static_cast<std::ptrdiff_t>(index));
-  }
-  void assign(std::vector<Value> values) override {
-    MutexLock lock(mutex_);
-    detach();
-    values_.swap(values);
-  }
+  Snapshot(std::shared_ptr<const SharedList> list, size_t count)
+      : ComputedArray(count), list_(std::move(list)) {}
 
  private:
-  Value elementAt(size_t index) const REQUIRES(mutex_) {
-    if (!list_) return index < values_.size() ? values_[index] : Value();
-    if (index >= count_) return Value();
+  Value computed(size_t index) const override {
+    MutexLock lock(mutex_);
     Value& element = lookedAt_[index];
     if (element.isNil()) element = Dictionary(std::make_shared<OwnEpisode>(list_->at(index)));
     return element;
   }
-  std::vector<Value> elements() const REQUIRES(mutex_) {
-    if (!list_) return values_;
-    std::vector<Value> all;
-    all.reserve(count_);
-    for (size_t i = 0; i < count_; ++i) all.push_back(elementAt(i));
-    return all;
-  }
-  void detach() REQUIRES(mutex_) {
-    if (!list_) return;
-    values_ = elements();
-    list_ = nullptr;
-    lookedAt_.clear();
-  }
 
+  const std::shared_ptr<const SharedList> list_;
   mutable Mutex mutex_;
-  std::shared_ptr<const SharedList> list_ GUARDED_BY(mutex_);  ///< null once the array has changed
-  const size_t count_;
   mutable std::map<size_t, Value> lookedAt_ GUARDED_BY(mutex_);
-  std::vector<Value> values_ GUARDED_BY(mutex_);
 };
 
 EpisodeList::EpisodeList() : shared_(std::make_shared<SharedList>()) {}

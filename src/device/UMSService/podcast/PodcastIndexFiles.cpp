@@ -216,10 +216,11 @@ bool PodcastIndexFiles::podcastXmlLists(const MaybeString& folder, MaybeArray& c
     return false;
   }
   std::vector<Value> indexes;
-  auto listed = folders_.subpathsAtPath(*folder);
-  for (ListedPath& entry : listed ? *listed : std::vector<ListedPath>()) {
-    if (entry.type == FileType::Directory || !equalIgnoringCase(pathExtension(entry.path), "xml")) continue;
-    indexes.emplace_back(std::move(entry.path));
+  const PathList listed = folders_.subpathsAtPath(*folder).value_or(PathList());
+  for (size_t i = 0; i < listed.size(); ++i) {
+    if (listed.typeOf(i) == FileType::Directory || !equalIgnoringCase(pathExtensionIn(listed[i]), "xml"))
+      continue;
+    indexes.emplace_back(listed[i]);
   }
   contents = Array(std::move(indexes));
   return true;
