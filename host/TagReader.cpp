@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <exception>
+#include <set>
 
 #include "AlbumArt.h"
 #include "Paths.h"
@@ -21,6 +22,17 @@ using umsservice::FileType;
 using umsservice::MaybeDictionary;
 namespace key = umsservice::key;
 
+/// The extensions that the tag library knows; it makes a new list of them for everyone who asks.
+const std::set<std::string>& readableExtensions() {
+  static const auto extensions = [] {
+    std::set<std::string> names;
+    for (const TagLib::String& name : TagLib::FileRef::defaultFileExtensions())
+      names.insert(name.to8Bit(true));
+    return names;
+  }();
+  return extensions;
+}
+
 bool hasReadableTags(const std::string& path) {
   std::string name = lastComponent(path);
   size_t dot = name.rfind('.');
@@ -28,7 +40,7 @@ bool hasReadableTags(const std::string& path) {
   std::string extension = name.substr(dot + 1);
   std::transform(extension.begin(), extension.end(), extension.begin(),
                  [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return TagLib::FileRef::defaultFileExtensions().contains(extension);
+  return readableExtensions().contains(extension);
 }
 
 void setText(Dictionary& entries, const char* name, const TagLib::String& text) {

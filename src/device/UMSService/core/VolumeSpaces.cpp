@@ -3,6 +3,15 @@
 #include "StringPaths.h"
 
 namespace umsservice {
+namespace {
+
+/// Asked for every file that is copied, so most paths are told by their look.
+bool hasTwoComponents(const std::string& path) {
+  if (path.size() > 1 && path.front() == '/' && path[1] != '/') return true;
+  return pathComponents(path).size() >= 2;
+}
+
+}  // namespace
 
 VolumeSpace VolumeSpaces::spaceOfIndex(uint32_t diskIndex, const char* method) const {
   MaybeString diskName = volumes_.diskVolumeNameFromIndex(diskIndex);
@@ -28,7 +37,7 @@ uint64_t VolumeSpaces::volumeFreeSpace(const MaybeString& path) const {
     log_.write(3, kMethod, "filePath is nil.");
     return 0;
   }
-  if (pathComponents(*path).size() < 2) {
+  if (!hasTwoComponents(*path)) {
     log_.write(3, kMethod, "Get Volume Path is failed.");
     return 0;
   }

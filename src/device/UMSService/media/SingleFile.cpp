@@ -76,11 +76,11 @@ FileOutcome SingleFile::transfer(const Manner& manner, uint32_t serviceID, const
     return {};
   }
   context_.log.write(6, manner.method, manner.announcement, srcPath, destPath);
-  uint64_t size = 0;
-  if (auto refused = refusal(manner, *srcPath, *destPath, size)) return *refused;
+  FileAttributes source;
+  if (auto refused = refusal(manner, *srcPath, *destPath, source)) return *refused;
   Pair pair;
-  if (auto refused = openBoth(manner, *srcPath, *destPath, pair)) return *refused;
-  FileOutcome outcome = copyBytes(manner, serviceID, pair, size, *notifier);
+  if (auto refused = openBoth(manner, *srcPath, source.type, *destPath, pair)) return *refused;
+  FileOutcome outcome = copyBytes(manner, serviceID, pair, source.size, *notifier);
   pair.source.reset();  // some devices give a file's room back only when nobody has it open
   if (manner.removesSource && outcome.result) outcome = removeSource(*srcPath, std::move(outcome));
   context_.log.write(6, manner.method, "EXIT");
@@ -89,24 +89,25 @@ FileOutcome SingleFile::transfer(const Manner& manner, uint32_t serviceID, const
 
 /// The tests before anything is created, in the order in which a host is told of them.
 std::optional<FileOutcome> SingleFile::refusal(const Manner& manner, const std::string& srcPath,
-                                               const std::string& destPath, uint64_t& size) const {
+                                               const std::string& destPath, FileAttributes& source) const {
   if (files_.exists(destPath)) return FileOutcome{.errorNumber = kErrorFileExists};
-  auto source = files_.attributes(srcPath);
-  if (!source) {
-    context_.log.write(3, manner.method, "Get Attributes Error : [%@]", source.error());
-    return FileOutcome{.errorNumber = kErrorAttributesUnreadable, .reason = source.error().words()};
+  auto found = files_.attributes(srcPath);
+  if (!found) {
+    context_.log.write(3, manner.method, "Get Attributes Error : [%@]", found.error());
+    return FileOutcome{.errorNumber = kErrorAttributesUnreadable, .reason = found.error().words()};
   }
-  size = source->size;
+  source = *found;
   uint64_t freeSize = context_.spaces.volumeFreeSpace(destPath);
-  if (freeSize < size) {
-    context_.log.write(3, manner.method, manner.spaceMessage, size, freeSize);
+  if (freeSize < source.size) {
+    context_.log.write(3, manner.method, manner.spaceMessage, source.size, freeSize);
     return FileOutcome{.errorNumber = kErrorVolumeFull};
   }
   return std::nullopt;
 }
 
 std::optional<FileOutcome> SingleFile::openBoth(const Manner& manner, const std::string& srcPath,
-                                                const std::string& destPath, Pair& pair) const {
+                                                FileType seenType, const std::string& destPath,
+                                                Pair& pair) const {
   const std::string folder = stringByDeletingLastPathComponent(destPath);
   if (manner.makesFolder && folder.empty()) return FileOutcome{.errorNumber = kErrorCreateFolderFailed};
   // A failing device can hide a file for a moment; what it hid must not be emptied.
@@ -122,7 +123,7 @@ std::optional<FileOutcome> SingleFile::openBoth(const Manner& manner, const std:
     context_.log.write(3, manner.method, "createFileAtPath Fail!");
     return FileOutcome{.reason = destination.error().words()};
   }
-  auto source = files_.openForReading(srcPath);
+  auto source = seenType == FileType::Regular ? files_.openSeen(srcPath) : files_.openForReading(srcPath);
   if (!source) {
     context_.log.write(3, manner.method, kHandleMessage, nullptr,
                        static_cast<const void*>(destination->get()));

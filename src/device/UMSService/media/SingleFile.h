@@ -59,8 +59,8 @@ class SingleFile {
   FileOutcome transfer(const Manner& manner, uint32_t serviceID, const MaybeString& srcPath,
                        const MaybeString& destPath, OVUmsDeviceNotifier* notifier) const;
   std::optional<FileOutcome> refusal(const Manner& manner, const std::string& srcPath,
-                                     const std::string& destPath, uint64_t& size) const;
-  std::optional<FileOutcome> openBoth(const Manner& manner, const std::string& srcPath,
+                                     const std::string& destPath, FileAttributes& source) const;
+  std::optional<FileOutcome> openBoth(const Manner& manner, const std::string& srcPath, FileType seenType,
                                       const std::string& destPath, Pair& pair) const;
   FileOutcome copyBytes(const Manner& manner, uint32_t serviceID, Pair& pair, uint64_t size,
                         OVUmsDeviceNotifier& notifier) const;

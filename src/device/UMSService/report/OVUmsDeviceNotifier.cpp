@@ -14,10 +14,6 @@ namespace {
 constexpr uint64_t kBytesBetweenProgress = 1'000'000;
 constexpr uint32_t kWhole = 100;
 
-void setIfPresent(Dictionary& userInfo, const char* name, const MaybeString& value) {
-  if (value) userInfo.set(name, *value);
-}
-
 }  // namespace
 
 /// The fields, and the steps that need the notifier's lock held.
@@ -64,26 +60,25 @@ void OVUmsDeviceNotifier::State::postProgress(uint32_t maxProgress, uint32_t per
                       {key::kTransferStatus, static_cast<uint32_t>(_currentTransferStatus)},
                       {key::kFail, _failTransferFileCount},
                       {key::kCurrentProgress, percent},
-                      {key::kMaxProgress, maxProgress}};
-  setIfPresent(userInfo, key::kLocationId, _srcLocationID);
-  if (_filePath) userInfo.set(key::kFileName, lastPathComponent(*_filePath));
-  setIfPresent(userInfo, key::kDeviceName, _deviceName);
+                      {key::kMaxProgress, maxProgress},
+                      {key::kLocationId, _srcLocationID},
+                      {key::kFileName, _filePath ? Value(lastPathComponent(*_filePath)) : Value()},
+                      {key::kDeviceName, _deviceName}};
   center->post(kTransferProgressNotification, userInfo);
 }
 
 void OVUmsDeviceNotifier::State::postResult() {
-  Dictionary userInfo = _mediaInfo ? _mediaInfo->mutableCopy() : Dictionary();
-  userInfo.set(key::kServiceID, _serviceID);
-  userInfo.set(key::kMediaNotiType, _mediaType);
-  userInfo.set(key::kVolumeIndex, _storageIndex);
-  userInfo.set(key::kResultStatus,
-               _transferResult == kErrorNone ? uint32_t{kItemTransferred} : _transferResult);
-  setIfPresent(userInfo, key::kLocationId, _destLocationID);
-  setIfPresent(userInfo, key::kFilePath, _filePath);
-  setIfPresent(userInfo, key::kPlaylistName, _playlistName);
-  setIfPresent(userInfo, key::kDeviceName, _deviceName);
-  setIfPresent(userInfo, key::kChannelName, _channelName);
-  if (_xmlInfo) userInfo.set(key::kPodcastXmlInfo, *_xmlInfo);
+  const uint32_t result = _transferResult == kErrorNone ? uint32_t{kItemTransferred} : _transferResult;
+  Dictionary userInfo{
+      {key::kServiceID, _serviceID},       {key::kMediaNotiType, _mediaType},
+      {key::kVolumeIndex, _storageIndex},  {key::kResultStatus, result},
+      {key::kLocationId, _destLocationID}, {key::kFilePath, _filePath},
+      {key::kPlaylistName, _playlistName}, {key::kDeviceName, _deviceName},
+      {key::kChannelName, _channelName},   {key::kPodcastXmlInfo, _xmlInfo ? Value(*_xmlInfo) : Value()}};
+  // The item's tags go along, and give way to what the result says itself.
+  for (const std::string& name : _mediaInfo ? _mediaInfo->keys() : std::vector<std::string>()) {
+    if (!userInfo.contains(name)) userInfo.set(name, _mediaInfo->get(name));
+  }
   center->post(kMediaResultNotification, userInfo);
 }
 
