@@ -1,15 +1,11 @@
 #include "TagReader.h"
 
-#include <audioproperties.h>
-#include <fileref.h>
-#include <tag.h>
-#include <tfilestream.h>
-
-#include <algorithm>
 #include <exception>
 
-#include "AlbumArt.h"
+#include "ImageTags.h"
+#include "MusicTags.h"
 #include "Paths.h"
+#include "VideoTags.h"
 #include "umsservice/Notifications.h"
 
 namespace umsctl {
@@ -21,45 +17,14 @@ using umsservice::FileType;
 using umsservice::MaybeDictionary;
 namespace key = umsservice::key;
 
-bool hasReadableTags(const std::string& path) {
-  std::string name = lastComponent(path);
-  size_t dot = name.rfind('.');
-  if (dot == std::string::npos) return false;
-  std::string extension = name.substr(dot + 1);
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return TagLib::FileRef::defaultFileExtensions().contains(extension);
-}
-
-void setText(Dictionary& entries, const char* name, const TagLib::String& text) {
-  if (!text.isEmpty()) entries.set(name, text.to8Bit(true));
-}
-
-void setNumber(Dictionary& entries, const char* name, unsigned number) {
-  if (number > 0) entries.set(name, uint32_t{number});
-}
-
-/// False when there is neither a tag nor a playing time: then it is no media file, whatever its name says.
+/// False for a file that is not what its name says.
 bool addTags(const std::string& path, Dictionary& entries) {
-  TagLib::FileStream stream(path.c_str(), true);
-  if (!stream.isOpen()) return false;
-  TagLib::FileRef file(&stream);
-  if (file.isNull() || !file.file()->isValid()) return false;
-  size_t bare = entries.count();
-  if (const TagLib::Tag* tag = file.tag()) {
-    setText(entries, "Title", tag->title());
-    setText(entries, "Artist", tag->artist());
-    setText(entries, "Album", tag->album());
-    setText(entries, "Genre", tag->genre());
-    setNumber(entries, "TrackNumber", tag->track());
-    setNumber(entries, "Year", tag->year());
-  }
-  const TagLib::AudioProperties* sound = file.audioProperties();
-  int milliseconds = sound ? sound->lengthInMilliseconds() : 0;
-  if (milliseconds > 0) entries.set("Duration", static_cast<uint32_t>(milliseconds + 500) / 1000);
-  auto art = albumArtOf(*file.file());
-  if (art) entries.set("AlbumArt", std::move(*art));
-  return entries.count() > bare;
+  bool isMusic = mayHaveMusicTags(path), isVideo = mayHaveVideoTags(path);
+  if (mayHaveImageTags(path)) return addImageTags(path, entries);
+  if (!isMusic && !isVideo) return true;
+  // Some films have tags and a cover as songs have; these go first.
+  bool hasTags = isMusic && addMusicTags(path, entries);
+  return (isVideo && addVideoTags(path, entries)) || hasTags;
 }
 
 class TagBuilder final : public umsservice::OVMediaInfoBuilder {
@@ -72,10 +37,9 @@ class TagBuilder final : public umsservice::OVMediaInfoBuilder {
     if (!found || found->type != FileType::Regular) return std::nullopt;
     Dictionary entries{
         {key::kFileName, lastComponent(path)}, {key::kFilePath, path}, {key::kFileSize, found->size}};
-    if (!hasReadableTags(path)) return entries;
     try {
       if (!addTags(path, entries)) return std::nullopt;
-    } catch (const std::exception&) {  // a file that asks for more memory than there is
+    } catch (const std::exception&) {  // a file that is broken, or asks for more memory than there is
       return std::nullopt;
     }
     return entries;
