@@ -4,6 +4,7 @@
 #include <map>
 #include <sstream>
 
+#include "Colour.h"
 #include "EscapedName.h"
 #include "Output.h"
 #include "commands/Df.h"
@@ -51,8 +52,10 @@ constexpr auto kPushEnding =
 constexpr auto kListEnding =
     "Hidden files and files in folders with a .nomedia marker are left out. Piped, each\n"
     "file is one line of fields with tabs between them: type, bytes, full path; with\n"
-    "--tags also title, artist, album, genre, track, year, duration. Episodes whose\n"
-    "files are gone leave the index of their podcast when it is listed.";
+    "--tags also title, artist, album, genre, track, year, duration, pixels, date taken,\n"
+    "camera, codecs. --long gives a table, cut to the width of a terminal and never cut\n"
+    "elsewhere; a file whose tags cannot be read says so. Episodes whose files are gone\n"
+    "leave the index of their podcast when it is listed.";
 
 constexpr auto kSyncEnding =
     "Each file goes to the folder of its kind on the first volume; one that does not\n"
@@ -137,6 +140,7 @@ void addList(CLI::App& app, Command& chosen) {
   command.add_option_function<std::string>("--type", choose, "Only media of this type; all unless said")
       ->type_name("music|image|video|podcast|all");
   command.add_flag("--tags", options->tags, "With the tags inside the files");
+  command.add_flag("-l,--long", options->isLong, "As a table with title, artist, duration and the like");
   command.footer(kListEnding);
 }
 
@@ -250,6 +254,15 @@ void addTree(CLI::App& app, Command& chosen) {
   command.footer("Hidden folders and files (names that begin with a dot) are left out.");
 }
 
+/// For each command, and those below it.
+void addNoColour(CLI::App& app) {
+  for (CLI::App* command : app.get_subcommands({})) {
+    command->add_flag_callback("--no-color", forbidColour,
+                               "Without colour; so does NO_COLOR in the environment");
+    addNoColour(*command);
+  }
+}
+
 /// Some spellings mean something to the parser and may be file names as well: brackets, "++", and whatever
 /// follows "--". A "./" in front changes neither the file nor anything else. In the parser's order: from the
 /// end.
@@ -301,6 +314,7 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
   for (auto add : {addPush, addSync, addPull, addSend, addPut, addGet, addList, addRemove}) add(app, chosen);
   for (auto add : {addDf, addTree, addMkdir, addRmdir}) add(app, chosen);
   addPodcast(app, chosen, {addVolumes, addOnConflict});
+  addNoColour(app);
 
   try {
     app.parse(forParser(arguments));

@@ -56,6 +56,13 @@ void Device::addVolume(const std::string& folder, bool internal) {
   volumes_.push_back({static_cast<uint32_t>(volumes_.size()), internal ? "internal" : "card", path});
 }
 
+MaybeDictionary Device::tagsOf(const std::string& path) {
+  auto builder = environment_.mediaInfoFactory->getBuilder(path);
+  MaybeDictionary tags = builder ? builder->build(path) : std::nullopt;
+  if (tags) tags->remove("AlbumArt");
+  return tags;
+}
+
 const Device::Volume& Device::volume(uint32_t index) const {
   if (index < volumes_.size()) return volumes_[index];
   std::string known = volumes_.size() == 1 ? "the only one is 0" : "there are 0 and 1";

@@ -27,12 +27,16 @@ class Device {
     std::string path;    ///< full path, no slash at its end
   };
 
-  /// Throws `Refusal` for a volume whose folder is not there. Without volumes it serves single folders.
+  /// Throws `Refusal` for a volume whose folder is not there. Without
+  /// volumes it serves single folders.
   explicit Device(const VolumeFolders& folders, std::shared_ptr<umsservice::ItemObserver> observer = nullptr);
 
   umsservice::UMSService& service() { return *service_; }
   umsservice::FileSystem& files() { return *environment_.fileSystem; }
   umsservice::NotificationCenter& notificationCenter() { return *environment_.notificationCenter; }
+
+  /// The tags of a file on it without its cover picture; nothing where they cannot be read.
+  umsservice::MaybeDictionary tagsOf(const std::string& path);
 
   const std::vector<Volume>& volumes() const { return volumes_; }
   /// Throws `Refusal` when no volume has that index.
