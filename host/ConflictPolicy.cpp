@@ -19,16 +19,15 @@ struct Answer {
   const char* letter;  ///< null where a letter would be ambiguous
   bool isOverwrite;
   bool isLasting;  ///< holds for every later file, without further questions
+  bool isQuit = false;
 };
 
 constexpr Answer kAnswers[] = {
-    {"yes", "y", true, false},
-    {"no", "n", false, false},
-    {"all", "a", true, true},
-    {"none", nullptr, false, true},
+    {"yes", "y", true, false},      {"no", "n", false, false},        {"all", "a", true, true},
+    {"none", nullptr, false, true}, {"quit", "q", false, true, true},
 };
 
-constexpr Answer kNone = kAnswers[3];
+constexpr const Answer& kNone = kAnswers[3];
 
 const Answer* answerOf(std::string typed) {
   std::erase_if(typed, [](char c) { return c == ' ' || c == '\t' || c == '\r'; });
@@ -81,13 +80,21 @@ void ConflictPolicy::ask(const std::string& path, bool& isOverwrite) {
     return;
   }
   while (!answer) {
-    printToError(escaped(lastComponent(path)) + " is already " + place_ + ". Replace it? (y/n/all/none) ");
+    printToError(escaped(lastComponent(path)) + " is already " + place_ +
+                 ". Replace it? (y/n/all/none/quit) ");
     auto typed = readAnswer();
     answer = typed ? answerOf(*typed) : &kNone;
     if (!typed) printToError("\n");
   }
   isOverwrite = answer->isOverwrite;
   if (answer->isLasting) lasting_ = isOverwrite;
+  if (answer->isQuit) quit();
+}
+
+/// As Ctrl-C does it: what is being copied is no longer wanted, and neither is the rest of the list.
+void ConflictPolicy::quit() {
+  interrupt_.happen();
+  interrupt_.settle();  // the run must be cancelled before it goes on to the next file
 }
 
 /// One line, or nothing when no more answers can come: the input has ended, or the person has had enough.

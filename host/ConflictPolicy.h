@@ -33,6 +33,7 @@ class ConflictPolicy final : public umsservice::QDDeviceConfirmDelegate {
 
  private:
   void ask(const std::string& path, bool& isOverwrite);
+  void quit();
   std::optional<std::string> readAnswer();
 
   const OnConflict choice_;

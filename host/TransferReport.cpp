@@ -2,6 +2,7 @@
 
 #include "Amounts.h"
 #include "Causes.h"
+#include "FailureTable.h"
 #include "Output.h"
 #include "Subtitles.h"
 #include "umsservice/ErrorNumbers.h"
@@ -25,17 +26,19 @@ bool isFailure(const ItemOutcome& outcome) {
 /// Names each item that is not on the device although it should be, and gives their number.
 size_t reportFailures(Device& device, const Contents& contents, const Outcomes& outcomes,
                       const char* folder) {
-  size_t failures = 0;
+  std::vector<Failure> failures;
   for (const ItemOutcome& outcome : outcomes.all()) {
     if (!isFailure(outcome)) continue;
-    ++failures;
-    std::string objection = contents.objections.at(outcome.index);
-    complain(contents.names.at(outcome.index),
-             objection.empty() ? causeOf(device, outcome, folder) : objection);
+    const std::string& objection = contents.objections.at(outcome.index);
+    bool isTried = objection.empty();
+    failures.push_back({contents.names.at(outcome.index), outcome.errorNumber,
+                        isTried ? causeOf(device, outcome, folder) : objection,
+                        isTried ? adviceFor(outcome) : adviceForObjection(objection)});
   }
+  tellFailures(failures);
   for (const auto& leftover : outcomes.leftovers())
     complain(leftover.path, "an unfinished copy stays there: " + leftover.words());
-  return failures;
+  return failures.size();
 }
 
 /// Subtitles ride along uncounted; those that did not are told here.

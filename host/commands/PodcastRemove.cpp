@@ -80,10 +80,12 @@ void showDeleted(const ItemOutcome& outcome) {
 }
 
 ExitStatus reported(Device& device, const Outcomes& outcomes, bool isDone, bool wasCancelled) {
-  size_t failures = 0;
+  std::vector<Failure> told;
   for (const ItemOutcome& outcome : outcomes.all()) {
-    if (complainAbout(device, outcome.path.value_or(""), "", outcome)) ++failures;
+    if (auto failure = failureOf(device, outcome.path.value_or(""), "", outcome)) told.push_back(*failure);
   }
+  tellFailures(told);
+  const size_t failures = told.size();
   size_t done = outcomes.count(Kind::Done);
   size_t notReached = outcomes.all().size() - done - failures;
   std::string counts = (wasCancelled ? "cancelled: " : "") + std::to_string(done) + " deleted";

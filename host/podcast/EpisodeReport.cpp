@@ -24,21 +24,25 @@ std::string causeOfEpisode(Device& device, const ItemOutcome& outcome) {
   }
 }
 
-bool complainAbout(Device& device, const std::string& name, const std::string& objection,
-                   const ItemOutcome& outcome) {
+std::optional<Failure> failureOf(Device& device, const std::string& name, const std::string& objection,
+                                 const ItemOutcome& outcome) {
   bool isFailure = outcome.kind == Kind::Failed ||
                    (outcome.kind == Kind::NotReached && !umsservice::isStopCode(outcome.errorNumber));
-  if (isFailure) complain(name, objection.empty() ? causeOfEpisode(device, outcome) : objection);
-  return isFailure;
+  if (!isFailure) return std::nullopt;
+  if (!objection.empty()) return Failure{name, outcome.errorNumber, objection, adviceForObjection(objection)};
+  return Failure{name, outcome.errorNumber, causeOfEpisode(device, outcome), adviceFor(outcome)};
 }
 
 ExitStatus reportEpisodes(Device& device, const EpisodeItems& items, const Outcomes& outcomes,
                           bool wasCancelled) {
-  size_t failures = 0;
+  std::vector<Failure> told;
   for (const ItemOutcome& outcome : outcomes.all()) {
     size_t i = outcome.index;
-    if (complainAbout(device, items.names.at(i), items.objections.at(i), outcome)) ++failures;
+    auto failure = failureOf(device, items.names.at(i), items.objections.at(i), outcome);
+    if (failure) told.push_back(*failure);
   }
+  tellFailures(told);
+  const size_t failures = told.size();
   for (const auto& leftover : outcomes.leftovers())
     complain(leftover.path, "an unfinished copy stays there: " + leftover.words());
   size_t done = outcomes.count(Kind::Done);

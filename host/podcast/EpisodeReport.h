@@ -3,6 +3,7 @@
 
 #include "Device.h"
 #include "ExitStatus.h"
+#include "FailureTable.h"
 #include "Outcomes.h"
 #include "podcast/EpisodeItems.h"
 
@@ -15,8 +16,8 @@ ExitStatus reportEpisodes(Device& device, const EpisodeItems& items, const Outco
 /// Why an episode failed, in words for a person.
 std::string causeOfEpisode(Device& device, const umsservice::ItemOutcome& outcome);
 
-/// Names an episode that failed on standard error; false for one that did not, or that a person cancelled.
-bool complainAbout(Device& device, const std::string& name, const std::string& objection,
-                   const umsservice::ItemOutcome& outcome);
+/// What is told of an episode that failed; nothing for one that did not, or that a person cancelled.
+std::optional<Failure> failureOf(Device& device, const std::string& name, const std::string& objection,
+                                 const umsservice::ItemOutcome& outcome);
 
 }  // namespace umsctl
