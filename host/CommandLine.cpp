@@ -81,6 +81,8 @@ void addVolumes(CLI::App& command, VolumeFolders& volumes, bool required) {
   auto* internal =
       command.add_option("--internal", volumes.internal, "Folder of the internal memory")->type_name("DIR");
   auto* card = command.add_option("--card", volumes.card, "Folder of the memory card")->type_name("DIR");
+  command.add_option("--profile", volumes.profile, "Default folders of the device, as JSON")
+      ->type_name("FILE");
   if (!required) return;
   command.callback([internal, card] {
     if (internal->empty() && card->empty())

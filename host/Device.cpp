@@ -1,5 +1,6 @@
 #include "Device.h"
 
+#include "DefaultFoldersFile.h"
 #include "EscapedName.h"
 #include "Paths.h"
 #include "Refusal.h"
@@ -24,20 +25,36 @@ class EscapingLogSink final : public LogSink {
   const std::shared_ptr<LogSink> sink_;
 };
 
-Environment environmentOfPerson(std::shared_ptr<ItemObserver> observer) {
+/// Answers each question for the volume that is meant.
+std::shared_ptr<ProfileInfo> profileOf(const VolumeFolders& folders, FileSystem& files) {
+  if (!folders.profile) return nullptr;
+  const char* first = folders.internal ? DefaultFoldersFile::kInternal : DefaultFoldersFile::kCard;
+  const char* second = DefaultFoldersFile::kCard;
+  switch (folders.profileChoice) {
+    case ProfileChoice::Number:
+      return std::make_shared<DefaultFoldersFile>(files, *folders.profile, first, second);
+    case ProfileChoice::NumberAsKind:
+      return std::make_shared<DefaultFoldersFile>(files, *folders.profile, second, first);
+    default:
+      return std::make_shared<DefaultFoldersFile>(files, *folders.profile);
+  }
+}
+
+Environment environmentOfPerson(const VolumeFolders& folders, std::shared_ptr<ItemObserver> observer) {
   Environment environment = Environment::forRunningSystem();
   // A person's volumes are mounted anywhere.
   environment.placementRules = devicePlacementRules();
   environment.logSink = std::make_shared<EscapingLogSink>(environment.logSink);
   environment.mediaInfoFactory = std::make_shared<TagReader>(environment.fileSystem);
   environment.itemObserver = std::move(observer);
+  environment.profileInfo = profileOf(folders, *environment.fileSystem);
   return environment;
 }
 
 }  // namespace
 
 Device::Device(const VolumeFolders& folders, std::shared_ptr<ItemObserver> observer)
-    : environment_(environmentOfPerson(std::move(observer))),
+    : environment_(environmentOfPerson(folders, std::move(observer))),
       service_(std::make_unique<UMSService>(environment_)) {
   if (folders.internal) addVolume(*folders.internal, true);
   if (folders.card) addVolume(*folders.card, false);

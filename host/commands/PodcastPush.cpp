@@ -10,9 +10,9 @@ using umsservice::kMediaPodcast;
 
 /// Episodes from the computer on their way to a device.
 struct Pushing {
-  explicit Pushing(const PodcastPushOptions& options)
-      : transfer(options.volumes, episodeItems(*umsservice::posixFileSystem(), links, options.input),
-                 options.onConflict),
+  Pushing(const PodcastPushOptions& options, ProfileChoice choice)
+      : transfer(options.volumes.profileBy(choice),
+                 episodeItems(*umsservice::posixFileSystem(), links, options.input), options.onConflict),
         questions(std::make_shared<LinkedQuestions>(transfer.policy(), links)) {
     transfer.device().service().setConfirmDelegate(questions);
   }
@@ -25,7 +25,7 @@ struct Pushing {
 }  // namespace
 
 ExitStatus podcastPush(const PodcastPushOptions& options) {
-  Pushing pushing(options);
+  Pushing pushing(options, ProfileChoice::Kind);
   PodcastTransfer& transfer = pushing.transfer;
   const Device::Volume& target = transfer.device().volume(options.to);
   auto queue = [&](uint32_t serviceID, const Array& channels) {
@@ -36,7 +36,7 @@ ExitStatus podcastPush(const PodcastPushOptions& options) {
 }
 
 ExitStatus podcastSync(const PodcastPushOptions& options) {
-  Pushing pushing(options);
+  Pushing pushing(options, ProfileChoice::Number);
   PodcastTransfer& transfer = pushing.transfer;
   Device& device = transfer.device();
   const bool isStartInternal = device.volume(options.to).kind == "internal";

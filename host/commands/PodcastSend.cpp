@@ -40,7 +40,10 @@ EpisodeItems itemsOf(const PodcastSendOptions& options) {
 ExitStatus podcastSend(const PodcastSendOptions& options) {
   Device receiver(options.volumes);
   const Device::Volume& target = receiver.volume(options.to);
-  PodcastTransfer transfer(options.from, itemsOf(options), options.onConflict);
+  // The sender chooses the folders on the receiver.
+  VolumeFolders from = options.from;
+  from.profile = options.volumes.profile;
+  PodcastTransfer transfer(from, itemsOf(options), options.onConflict);
   Device& sender = transfer.device();
   if (isSameFolder(sender.files(), sender.volume(options.on).path, target.path))
     throw Refusal(ExitStatus::SomeFailed, target.path, "both devices are the same");

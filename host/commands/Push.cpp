@@ -5,7 +5,9 @@
 namespace umsctl {
 
 ExitStatus push(const PushOptions& options) {
-  Transfer transfer(options.volumes, options.files, options.onConflict);
+  // The request chooses the folder by the number of the volume as if it were its kind.
+  Transfer transfer(options.volumes.profileBy(ProfileChoice::NumberAsKind), options.files,
+                    options.onConflict);
   const Device::Volume& target = transfer.device().volume(options.to);
   auto queue = [&](uint32_t serviceID, const umsservice::Array& contents) {
     // Each file goes by its own type; a request for videos takes their subtitles along.

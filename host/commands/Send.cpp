@@ -37,8 +37,10 @@ ExitStatus sendMedia(const SendOptions& options) {
   auto objection = [&bounds](FileSystem& files, const std::string& path) {
     return bounds.holdsContents(path) ? whyUnreadable(files, path) : VolumeBounds::kElsewhere;
   };
-  Transfer transfer(options.from, options.files, options.onConflict, {.subtitles = Subtitles::StayBehind},
-                    objection);
+  // The sender chooses the folders on the receiver.
+  VolumeFolders from = options.from;
+  from.profile = options.volumes.profile;
+  Transfer transfer(from, options.files, options.onConflict, {.subtitles = Subtitles::StayBehind}, objection);
   transfer.policy().setOtherDevice(receiver);
   UMSService& source = transfer.device().service();
   auto sort = [&](size_t index) {

@@ -6,7 +6,7 @@
 namespace umsctl {
 
 ExitStatus syncMedia(const SyncOptions& options) {
-  Transfer transfer(options.volumes, options.files, options.onConflict,
+  Transfer transfer(options.volumes.profileBy(ProfileChoice::Number), options.files, options.onConflict,
                     {.subtitles = Subtitles::StayBehind, .tellsPlaces = true});
   Device& device = transfer.device();
   const bool isStartInternal = device.volume(options.first).kind == "internal";

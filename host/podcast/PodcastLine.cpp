@@ -105,6 +105,8 @@ void addSend(CLI::App& podcast, Command& chosen, const SharedOptions& shared) {
                                       "Folder of the sending device's internal memory");
   auto* card = command.add_option("--from-card", options->from.card, "Folder of its memory card");
   for (auto* option : {internal, card}) option->type_name("DIR");
+  command.add_option("--from-profile", options->from.profile, "Default folders of that device, as JSON")
+      ->type_name("FILE");
   command.add_option("--on", options->on, "Volume of the channels; 0 unless said")->type_name("0|1");
   shared.addVolumes(command, options->volumes, false);
   command.add_option("--to", options->to, "Volume to copy to; 0 unless said")->type_name("0|1");
