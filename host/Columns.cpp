@@ -92,35 +92,40 @@ std::vector<size_t> Columns::widths(std::optional<size_t> width) const {
   return widths;
 }
 
-std::string Columns::text(std::optional<size_t> width, bool isPainted, const std::string& indent) const {
-  const size_t room = width ? *width - std::min(*width, indent.size()) : std::numeric_limits<size_t>::max();
-  const std::vector<size_t> columns = widths(width ? std::optional(room) : std::nullopt);
+/// One row, in as many lines as its highest cell takes.
+std::string Columns::rowText(const std::vector<Cell>& cells, const std::vector<size_t>& widths,
+                             const Style& style) const {
+  std::vector<std::vector<std::string>> parts;
+  size_t height = 1;
+  for (size_t i = 0; i < columns_.size(); ++i) {
+    const std::string& shown = cells[i].text;
+    parts.push_back(columns_[i].fit == Fit::Wrap ? wrapped(shown, widths[i])
+                                                 : std::vector{shortened(shown, widths[i])});
+    height = std::max(height, parts.back().size());
+  }
   std::string text;
-  auto addRow = [&](const std::vector<Cell>& cells) {
-    std::vector<std::vector<std::string>> parts;
-    size_t height = 1;
+  for (size_t number = 0; number < height; ++number) {
+    Line line(style.indent, style.room, style.isPainted);
     for (size_t i = 0; i < columns_.size(); ++i) {
-      const std::string& shown = cells[i].text;
-      parts.push_back(columns_[i].fit == Fit::Wrap ? wrapped(shown, columns[i])
-                                                   : std::vector{shortened(shown, columns[i])});
-      height = std::max(height, parts.back().size());
+      if (widths[i] == 0) continue;
+      const std::string part = number < parts[i].size() ? parts[i][number] : "";
+      const size_t missing = widths[i] - std::min(widths[i], columnsOf(part));
+      const size_t before = columns_[i].isRight ? missing : 0;
+      line.add(part, cells[i].paint, before, missing - before + kBetween);
     }
-    for (size_t number = 0; number < height; ++number) {
-      Line line(indent, room, isPainted);
-      for (size_t i = 0; i < columns_.size(); ++i) {
-        if (columns[i] == 0) continue;
-        const std::string part = number < parts[i].size() ? parts[i][number] : "";
-        const size_t missing = columns[i] - std::min(columns[i], columnsOf(part));
-        const bool isRight = columns_[i].isRight;
-        line.add(part, cells[i].paint, isRight ? missing : 0, (isRight ? 0 : missing) + kBetween);
-      }
-      text += line.finished();
-    }
-  };
+    text += line.finished();
+  }
+  return text;
+}
+
+std::string Columns::text(std::optional<size_t> width, bool isPainted, const std::string& indent) const {
+  if (width) *width -= std::min(*width, indent.size());
+  const std::vector<size_t> fitting = widths(width);
+  const Style style{indent, width.value_or(std::numeric_limits<size_t>::max()), isPainted};
   std::vector<Cell> heads;
   for (const Column& column : columns_) heads.emplace_back(column.head, Paint::Strong);
-  addRow(heads);
-  for (const auto& row : rows_) addRow(row);
+  std::string text = rowText(heads, fitting, style);
+  for (const auto& row : rows_) text += rowText(row, fitting, style);
   return text;
 }
 

@@ -45,8 +45,18 @@ class Columns {
   std::string text(std::optional<size_t> width, bool isPainted, const std::string& indent = "") const;
 
  private:
+  /// What all lines have in common.
+  struct Style {
+    std::string indent;
+    size_t room;  ///< behind the indent
+    bool isPainted;
+  };
+
   std::vector<size_t> fullWidths() const;
   std::vector<size_t> widths(std::optional<size_t> width) const;
+
+  std::string rowText(const std::vector<Cell>& cells, const std::vector<size_t>& widths,
+                      const Style& style) const;
 
   const std::vector<Column> columns_;
   std::vector<std::vector<Cell>> rows_;

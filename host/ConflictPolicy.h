@@ -1,5 +1,6 @@
 /// What happens where a file of that name is on the device already.
 ///
+/// At the question "all" and "none" hold for the rest of the command, and "quit" ends it as Ctrl-C does.
 /// The service asks on its worker thread, in the middle of a run; see `Transfer` for who owns this.
 #pragma once
 

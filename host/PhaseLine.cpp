@@ -7,7 +7,7 @@
 namespace umsctl {
 namespace {
 
-constexpr std::chrono::milliseconds kPatience{500};
+constexpr std::chrono::milliseconds kPatience{200};
 constexpr std::chrono::milliseconds kBetweenDrawings{100};
 
 }  // namespace

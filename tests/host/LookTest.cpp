@@ -97,6 +97,31 @@ TEST_F(Screen, ShowsTagsAndNamesThatDriveATerminalAsText) {
   EXPECT_NE(tree.output.find("└── \\x1b[31m\\n.flac  13.4 kB"), std::string::npos) << tree.output;
 }
 
+TEST_F(Screen, ShowsANameThatDrivesATerminalAsTextInItsQuestion) {
+  std::string odd = sandbox.file("computer/\x1b]0;evil\x07\n.mp3", "new");
+  sandbox.file("phone/Music/\x1b]0;evil\x07\n.mp3", "old");
+  RunningProgram program(pushing({odd}), {.atTerminal = true});
+  program.waitForOutput(
+      "\\x1b]0;evil\\x07\\n.mp3 is already on the device. Replace it? (y/n/all/none/quit) ");
+  program.type("n\n");
+  Ended ended = program.wait();
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_EQ(ended.output.find("\x1b]"), std::string::npos);
+}
+
+TEST_F(Screen, TellsHowFarItIsWhileItReadsTags) {
+  std::string film = sandbox.file("phone/0.mp4", bytesOf(media("harbour.mp4")));
+  for (int i = 1; i < 1000; ++i)
+    ASSERT_EQ(link(film.c_str(), (phone + "/" + std::to_string(i) + ".mp4").c_str()), 0);
+  RunningProgram program({"ls", "--tags", "--internal", phone}, {.atTerminal = true});
+  program.waitForOutput("/1000\r\x1b[K");
+  Ended ended = program.wait();
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_NE(ended.output.find("\r\x1b[KReading tags  "), std::string::npos);
+  EXPECT_NE(ended.output.find("\r\x1b[K  video     12.3 kB  0.mp4  (0:03, 128x96, AVC, AAC)\r\n"),
+            std::string::npos);
+}
+
 TEST_F(Screen, EndsWithATableOfWhatFailedAndWhatToDo) {
   std::string folder = sandbox.folder("album.mp3");
   std::vector<std::string> line = pushing({"missing.mp3", media("notes.txt"), "\x1b[2J.mp3", folder});
