@@ -1,31 +1,16 @@
 #include "TagReader.h"
 
-#include <exception>
-
-#include "ImageTags.h"
-#include "MusicTags.h"
 #include "Paths.h"
-#include "VideoTags.h"
+#include "TagProcess.h"
 #include "umsservice/Notifications.h"
 
 namespace umsctl {
 namespace {
 
-using umsservice::Dictionary;
 using umsservice::FileSystem;
 using umsservice::FileType;
 using umsservice::MaybeDictionary;
 namespace key = umsservice::key;
-
-/// False for a file that is not what its name says.
-bool addTags(const std::string& path, Dictionary& entries) {
-  bool isMusic = mayHaveMusicTags(path), isVideo = mayHaveVideoTags(path);
-  if (mayHaveImageTags(path)) return addImageTags(path, entries);
-  if (!isMusic && !isVideo) return true;
-  // Some films have tags and a cover as songs have; these go first.
-  bool hasTags = isMusic && addMusicTags(path, entries);
-  return (isVideo && addVideoTags(path, entries)) || hasTags;
-}
 
 class TagBuilder final : public umsservice::OVMediaInfoBuilder {
  public:
@@ -35,14 +20,12 @@ class TagBuilder final : public umsservice::OVMediaInfoBuilder {
     // Looked at first: opening anything but a regular file might wait for ever.
     auto found = files_->attributes(path);
     if (!found || found->type != FileType::Regular) return std::nullopt;
-    Dictionary entries{
-        {key::kFileName, lastComponent(path)}, {key::kFilePath, path}, {key::kFileSize, found->size}};
-    try {
-      if (!addTags(path, entries)) return std::nullopt;
-    } catch (const std::exception&) {  // a file that is broken, or asks for more memory than there is
-      return std::nullopt;
-    }
-    return entries;
+    MaybeDictionary tags = TagProcess::read(path);
+    if (!tags) return std::nullopt;
+    tags->set(key::kFileName, lastComponent(path));
+    tags->set(key::kFilePath, path);
+    tags->set(key::kFileSize, found->size);
+    return tags;
   }
 
  private:

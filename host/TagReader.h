@@ -5,8 +5,7 @@
 /// file); "Duration" (number of seconds) of music and films; "Width", "Height" (numbers of pixels, as the
 /// picture is shown) of images and films; "DateTaken" (text, "2021-06-05 04:31:07" by the camera's clock) and
 /// "Camera" (text) of images; "VideoCodec", "AudioCodec" (text) of films. A file that is not what its name
-/// says has no tags at all. Safe from any thread. `MusicTags.h`, `ImageTags.h` and `VideoTags.h` read one
-/// kind each.
+/// says has no tags at all. Safe from any thread. `TagProcess.h` tells where they are read.
 #pragma once
 
 #include "umsservice/FileSystem.h"

@@ -10,6 +10,7 @@
 #include "CommandLine.h"
 #include "Output.h"
 #include "Refusal.h"
+#include "TagProcess.h"
 
 namespace {
 
@@ -49,6 +50,7 @@ int main(int argc, char** argv) {
   occupyStandardStreams();
   // A reader that goes away must not end a transfer halfway.
   std::signal(SIGPIPE, SIG_IGN);
+  umsctl::TagProcess::start();
   std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
   return static_cast<int>(withOutputChecked(runGuarded(arguments)));
 }
