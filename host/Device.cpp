@@ -24,20 +24,25 @@ class EscapingLogSink final : public LogSink {
   const std::shared_ptr<LogSink> sink_;
 };
 
-Environment environmentOfPerson(std::shared_ptr<ItemObserver> observer) {
+constexpr int32_t kEverything = 7;
+
+Environment environmentOfPerson(const Errand& errand, std::shared_ptr<ItemObserver> observer) {
   Environment environment = Environment::forRunningSystem();
+  environment.fileSystem = errand.files();
+  if (errand.wishes().verbose) environment.debugLevelSource = fixedDebugLevelSource(kEverything);
   // A person's volumes are mounted anywhere.
   environment.placementRules = devicePlacementRules();
   environment.logSink = std::make_shared<EscapingLogSink>(environment.logSink);
-  environment.mediaInfoFactory = std::make_shared<TagReader>(environment.fileSystem);
+  // Nobody looks at the tags of what is not copied.
+  if (!errand.rehearsal()) environment.mediaInfoFactory = std::make_shared<TagReader>(environment.fileSystem);
   environment.itemObserver = std::move(observer);
   return environment;
 }
 
 }  // namespace
 
-Device::Device(const VolumeFolders& folders, std::shared_ptr<ItemObserver> observer)
-    : environment_(environmentOfPerson(std::move(observer))),
+Device::Device(const VolumeFolders& folders, const Errand& errand, std::shared_ptr<ItemObserver> observer)
+    : environment_(environmentOfPerson(errand, std::move(observer))),
       service_(std::make_unique<UMSService>(environment_)) {
   if (folders.internal) addVolume(*folders.internal, true);
   if (folders.card) addVolume(*folders.card, false);

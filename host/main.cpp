@@ -8,7 +8,6 @@
 #include <system_error>
 
 #include "Output.h"
-#include "Refusal.h"
 #include "line/CommandLine.h"
 
 namespace {
@@ -18,9 +17,6 @@ using umsctl::ExitStatus;
 ExitStatus runGuarded(const std::vector<std::string>& arguments) {
   try {
     return umsctl::runCommandLine(arguments);
-  } catch (const umsctl::Refusal& refusal) {
-    umsctl::complain(refusal.subject(), refusal.what());
-    return refusal.exitStatus();
   } catch (const std::exception& failure) {
     umsctl::complain("", failure.what());
     return ExitStatus::SomeFailed;

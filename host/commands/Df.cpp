@@ -4,7 +4,6 @@
 
 #include "Amounts.h"
 #include "EscapedName.h"
-#include "Output.h"
 
 namespace umsctl {
 namespace {
@@ -19,13 +18,21 @@ std::string row(const std::string& index, const std::string& kind, const std::st
 
 }  // namespace
 
-ExitStatus df(const DfOptions& options) {
-  Device device(options.volumes);
+ExitStatus df(const DfOptions& options, const Errand& errand) {
+  Device device(options.volumes, errand);
   auto text = [&](uint64_t bytes) { return options.inBytes ? std::to_string(bytes) : byteText(bytes); };
-  print(row("VOLUME", "KIND", "TOTAL", "FREE", "FOLDER"));
+  errand.events().remarked(row("VOLUME", "KIND", "TOTAL", "FREE", "FOLDER"));
   for (const Device::Volume& volume : device.volumes()) {
-    print(row(std::to_string(volume.index), volume.kind, text(device.service().totalSpace(0, volume.index)),
-              text(device.service().freeSpace(0, volume.index)), escaped(volume.path)));
+    const uint64_t total = device.service().totalSpace(0, volume.index);
+    const uint64_t free = device.service().freeSpace(0, volume.index);
+    errand.events().shown(
+        {row(std::to_string(volume.index), volume.kind, text(total), text(free), escaped(volume.path)),
+         "volume",
+         {{"index", uint64_t{volume.index}},
+          {"kind", volume.kind},
+          {"path", volume.path},
+          {"total", total},
+          {"free", free}}});
   }
   return ExitStatus::AllDone;
 }

@@ -5,10 +5,10 @@
 
 #include "Amounts.h"
 #include "EscapedName.h"
-#include "Output.h"
 #include "Paths.h"
 #include "Terminal.h"
 #include "VolumeBounds.h"
+#include "VolumeHeadline.h"
 #include "umsservice/Notifications.h"
 
 namespace umsctl {
@@ -25,6 +25,7 @@ struct Listed {
 constexpr const char* kWords[] = {"", "music", "image", "video", "podcast"};
 /// In the order of the columns.
 constexpr const char* kTags[] = {"Title", "Artist", "Album", "Genre", "TrackNumber", "Year", "Duration"};
+constexpr const char* kTagFields[] = {"title", "artist", "album", "genre", "track", "year", "seconds"};
 
 std::vector<Dictionary> dictionariesOf(const MaybeArray& array) {
   std::vector<Dictionary> dictionaries;
@@ -44,14 +45,17 @@ std::string tagText(const MaybeDictionary& tags, const char* name) {
 
 class Listing {
  public:
-  Listing(Device& device, const ListOptions& options)
-      : device_(device), options_(options), bounds_(options.volumes), forEyes_(outputIsTerminal()) {}
+  Listing(const Errand& errand, Device& device, const ListOptions& options)
+      : events_(errand.events()),
+        device_(device),
+        options_(options),
+        bounds_(options.volumes),
+        forEyes_(outputIsTerminal()) {}
 
   void show(const Device::Volume& volume) {
     auto readable = device_.files().list(volume.path);
     if (!readable) return tellUnreadable(volume.path, readable.error());
-    if (forEyes_)
-      print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
+    events_.shown(volumeHeadline(volume, forEyes_));
     for (uint32_t mediaType : std::vector<uint32_t>{kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
       if (options_.mediaType == 0 || options_.mediaType == mediaType) showType(volume, mediaType);
     }
@@ -60,7 +64,8 @@ class Listing {
 
   void showTotal() const {
     if (!forEyes_) return;
-    print(std::to_string(count_) + (count_ == 1 ? " file" : " files") + ", " + byteText(bytes_) + "\n");
+    events_.remarked(std::to_string(count_) + (count_ == 1 ? " file" : " files") + ", " + byteText(bytes_) +
+                     "\n");
   }
 
   bool everythingWasRead() const { return everythingWasRead_; }
@@ -70,17 +75,29 @@ class Listing {
     auto files = mediaType == kMediaPodcast ? episodes(volume.index) : media(volume.index, mediaType);
     std::sort(files.begin(), files.end(),
               [](const Listed& left, const Listed& right) { return comesBefore(left.path, right.path); });
-    constexpr size_t kWorthWriting = 64 * 1024;
-    std::string text;
     for (const Listed& file : files) {
-      text += forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
+      std::string line = forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
+      events_.shown({line, "file", fieldsOf(volume, mediaType, file)});
       ++count_;
       bytes_ += file.size;
-      if (text.size() < kWorthWriting) continue;
-      print(text);
-      text.clear();
     }
-    print(text);
+  }
+
+  static std::vector<std::pair<const char*, Shown::Field>> fieldsOf(const Device::Volume& volume,
+                                                                    uint32_t mediaType, const Listed& file) {
+    std::vector<std::pair<const char*, Shown::Field>> fields{{"volume", uint64_t{volume.index}},
+                                                             {"type", std::string(kWords[mediaType])},
+                                                             {"bytes", file.size},
+                                                             {"path", file.path}};
+    for (size_t i = 0; file.tags && i < std::size(kTags); ++i) {
+      if (!file.tags->contains(kTags[i])) continue;
+      if (auto text = file.tags->string(kTags[i])) {
+        fields.emplace_back(kTagFields[i], *text);
+      } else {
+        fields.emplace_back(kTagFields[i], uint64_t{file.tags->get(kTags[i]).unsignedIntValue()});
+      }
+    }
+    return fields;
   }
 
   /// The listing of names has every file, that with tags only those whose tags can be read.
@@ -160,9 +177,10 @@ class Listing {
 
   void tellUnreadable(const std::string& path, const FileError& error) {
     everythingWasRead_ = false;
-    complain(path, error.words());
+    events_.complained(path, error.words());
   }
 
+  Events& events_;
   Device& device_;
   const ListOptions& options_;
   const VolumeBounds bounds_;
@@ -174,9 +192,9 @@ class Listing {
 
 }  // namespace
 
-ExitStatus listMedia(const ListOptions& options) {
-  Device device(options.volumes);
-  Listing listing(device, options);
+ExitStatus listMedia(const ListOptions& options, const Errand& errand) {
+  Device device(options.volumes, errand);
+  Listing listing(errand, device, options);
   for (const Device::Volume& volume : device.volumes()) listing.show(volume);
   listing.showTotal();
   return listing.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;

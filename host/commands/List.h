@@ -12,6 +12,6 @@ struct ListOptions {
   bool tags = false;
 };
 
-ExitStatus listMedia(const ListOptions& options);
+ExitStatus listMedia(const ListOptions& options, const Errand& errand);
 
 }  // namespace umsctl

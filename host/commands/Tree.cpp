@@ -4,8 +4,8 @@
 
 #include "Amounts.h"
 #include "EscapedName.h"
-#include "Output.h"
 #include "Paths.h"
+#include "VolumeHeadline.h"
 
 namespace umsctl {
 namespace {
@@ -20,10 +20,10 @@ std::vector<std::string> textsOf(const Array& array) {
   return texts;
 }
 
-/// One tree on standard output. Folders that cannot be read are told on standard error.
+/// Shows one tree, and tells of folders that cannot be read.
 class TreePrinter {
  public:
-  explicit TreePrinter(Device& device) : device_(device) {}
+  TreePrinter(const Errand& errand, Device& device) : events_(errand.events()), device_(device) {}
 
   /// `folders` as the service lists them: the root first, full paths.
   void show(const std::string& root, const Array& folders) {
@@ -38,15 +38,19 @@ class TreePrinter {
   void showFolder(const std::string& root, const std::string& path) {
     std::string below = path.size() > root.size() ? path.substr(root.size()) : "";
     auto depth = static_cast<size_t>(std::count(below.begin(), below.end(), '/'));
-    if (depth > 0 && isLink(path)) return print(line(depth, lastComponent(path)) + "/  (a link)\n");
-    if (depth > 0) print(line(depth, lastComponent(path)) + "/\n");
+    const bool isLinked = depth > 0 && isLink(path);
+    const std::string text = line(depth, lastComponent(path)) + (isLinked ? "/  (a link)\n" : "/\n");
+    events_.shown({depth > 0 ? text : "", "folder", {{"path", path}, {"link", isLinked}}});
+    if (isLinked) return;
     MaybeArray names = device_.service().fileLists(path);
     if (!names) return tellUnreadable(path);
     std::vector<std::string> files = textsOf(*names);
     std::sort(files.begin(), files.end());
     for (const std::string& file : files) {
       uint64_t size = device_.service().fileSizeAtDevice(path + "/" + file);
-      print(line(depth + 1, file) + "  " + byteText(size) + "\n");
+      events_.shown({line(depth + 1, file) + "  " + byteText(size) + "\n",
+                     "file",
+                     {{"path", inFolder(path, file)}, {"bytes", size}}});
     }
   }
 
@@ -62,17 +66,18 @@ class TreePrinter {
   void tellUnreadable(const std::string& path) {
     everythingWasRead_ = false;
     auto listed = device_.files().list(path);
-    complain(path, listed ? "it could not be read" : listed.error().words());
+    events_.complained(path, listed ? "it could not be read" : listed.error().words());
   }
 
+  Events& events_;
   Device& device_;
   bool everythingWasRead_ = true;
 };
 
-void showVolumes(Device& device, TreePrinter& printer) {
+void showVolumes(const Errand& errand, Device& device, TreePrinter& printer) {
   auto trees = device.service().getDeviceAllFolderLists();
   for (const Device::Volume& volume : device.volumes()) {
-    print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
+    errand.events().shown(volumeHeadline(volume));
     auto tree = trees ? trees->at(volume.index).dictionary() : std::nullopt;
     auto folders = tree ? tree->get("folderLists").array() : std::nullopt;
     if (folders) printer.show(volume.path, *folders);
@@ -81,15 +86,15 @@ void showVolumes(Device& device, TreePrinter& printer) {
 
 }  // namespace
 
-ExitStatus tree(const TreeOptions& options) {
-  Device device(options.volumes);
-  TreePrinter printer(device);
+ExitStatus tree(const TreeOptions& options, const Errand& errand) {
+  Device device(options.volumes, errand);
+  TreePrinter printer(errand, device);
   if (options.folder) {
     std::string root = withoutTrailingSlashes(absolutePath(*options.folder));
-    print(escaped(*options.folder) + "\n");
+    errand.events().remarked(escaped(*options.folder) + "\n");
     printer.show(root, *device.service().recursiveFolderLists(root));
   } else {
-    showVolumes(device, printer);
+    showVolumes(errand, device, printer);
   }
   return printer.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;
 }

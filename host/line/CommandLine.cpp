@@ -5,6 +5,7 @@
 
 #include "EscapedName.h"
 #include "Output.h"
+#include "Refusal.h"
 #include "line/Commands.h"
 
 namespace umsctl {
@@ -47,6 +48,18 @@ ExitStatus explained(const CLI::App& app, const CLI::ParseError& error) {
   return ExitStatus::Usage;
 }
 
+ExitStatus carriedOut(const Command& command, const Errand& errand) {
+  try {
+    return command.run(errand);
+  } catch (const Refusal& refusal) {
+    errand.events().complained(refusal.subject(), refusal.what());
+    return refusal.exitStatus();
+  } catch (const std::exception& failure) {
+    errand.events().complained("", failure.what());
+    return ExitStatus::SomeFailed;
+  }
+}
+
 }  // namespace
 
 ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
@@ -58,7 +71,10 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
   } catch (const CLI::ParseError& error) {
     return explained(app, error);
   }
-  return chosen();
+  Errand errand(chosen.wishes);
+  ExitStatus status = carriedOut(chosen, errand);
+  errand.events().ended(status);
+  return status;
 }
 
 }  // namespace umsctl

@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include "Errand.h"
 #include "ExitStatus.h"
 
 namespace CLI {
@@ -14,8 +15,11 @@ class App;
 
 namespace umsctl {
 
-/// What is to be done, once the whole line has been understood.
-using Command = std::function<ExitStatus()>;
+/// What is to be done and how, once the whole line has been understood.
+struct Command {
+  std::function<ExitStatus(const Errand& errand)> run;
+  Wishes wishes;
+};
 
 /// The whole definition. What a person chooses goes to `chosen`, which must outlive the parser.
 void defineCommands(CLI::App& app, Command& chosen);

@@ -42,7 +42,7 @@ void addPush(CLI::App& app, Command& chosen) {
   auto options = optionsOf(command, chosen, push);
   addVolumes(command, options->volumes, true);
   command.add_option("--to", options->to, "Volume to copy to; 0 unless said")->type_name("0|1");
-  addOnConflict(command, options->onConflict);
+  addCopying(command, chosen.wishes);
   command.add_option("FILE", options->files, "Files to copy, in this order")->required()->type_name("");
   command.footer(kPushEnding);
 }
@@ -52,7 +52,7 @@ void addSync(CLI::App& app, Command& chosen) {
   auto options = optionsOf(command, chosen, syncMedia);
   addVolumes(command, options->volumes, true);
   command.add_option("--first", options->first, "Volume to begin with; 0 unless said")->type_name("0|1");
-  addOnConflict(command, options->onConflict);
+  addCopying(command, chosen.wishes);
   command.add_option("FILE", options->files, "Files to copy, in this order")->required()->type_name("");
   command.footer(kSyncEnding);
 }
@@ -64,7 +64,7 @@ void addPull(CLI::App& app, Command& chosen) {
   command.add_option("--into", options->into, "Folder to copy into; made where it is missing")
       ->required()
       ->type_name("DIR");
-  addOnConflict(command, options->onConflict);
+  addCopying(command, chosen.wishes);
   command.add_option("FILE", options->files, "Files on the device")->required()->type_name("");
   command.footer(kPullEnding);
 }
@@ -75,7 +75,7 @@ void addSend(CLI::App& app, Command& chosen) {
   addSendingVolumes(command, options->from);
   addVolumes(command, options->volumes, false);
   command.add_option("--to", options->to, "Volume to copy to; 0 unless said")->type_name("0|1");
-  addOnConflict(command, options->onConflict);
+  addCopying(command, chosen.wishes);
   command.add_option("FILE", options->files, "Files on the sending device")->required()->type_name("");
   command.callback([options = options.get()] {
     requireSendingVolumes(options->from);
@@ -89,7 +89,7 @@ void addPut(CLI::App& app, Command& chosen) {
   CLI::App& command = addCommand(app, "put", "Copy one file to a path on the device");
   auto options = optionsOf(command, chosen, put);
   addVolumes(command, options->volumes, true);
-  addOnConflict(command, options->onConflict);
+  addCopying(command, chosen.wishes);
   command.add_option("FILE", options->from, "File on the computer")->required()->type_name("");
   command.add_option("DEVICE_PATH", options->to, "Where it goes: below a volume; a folder keeps its name")
       ->required()
@@ -100,7 +100,7 @@ void addGet(CLI::App& app, Command& chosen) {
   CLI::App& command = addCommand(app, "get", "Copy one file from a path on the device");
   auto options = optionsOf(command, chosen, get);
   addVolumes(command, options->volumes, true);
-  addOnConflict(command, options->onConflict);
+  addCopying(command, chosen.wishes);
   command.add_option("DEVICE_PATH", options->from, "File below a volume")->required()->type_name("");
   command.add_option("FILE", options->to, "Where it goes on the computer; a folder keeps its name")
       ->required()

@@ -10,9 +10,9 @@ namespace {
 constexpr auto kInputEnding =
     "FEED is an RSS 2.0 feed; each episode's file is looked for in the folder of the\n"
     "downloads, under the last part of the address of its enclosure. Episodes that are\n"
-    "not there are left out. --json takes the channel itself, or a list of channels:\n"
-    "texts under the names of the index (Title, Link, ...) and the episodes under\n"
-    "children, each with Url and FilePath.\n"
+    "not there are left out. --from-json takes the channel itself, or a list of\n"
+    "channels: texts under the names of the index (Title, Link, ...) and the episodes\n"
+    "under children, each with Url and FilePath.\n"
     "\n"
     "An episode whose file name is in the channel already is treated as by push.\n"
     "\n"
@@ -26,12 +26,12 @@ constexpr auto kRemoveEnding =
 void addInput(CLI::App& command, PodcastInput& input) {
   command.add_option("--feed", input.feed, "Feed of the channel")->type_name("FILE");
   command.add_option("--episodes", input.episodes, "Folder of the downloaded episodes")->type_name("DIR");
-  command.add_option("--json", input.json, "Channel or channels written as JSON")->type_name("FILE");
+  command.add_option("--from-json", input.json, "Channel or channels written as JSON")->type_name("FILE");
 }
 
 void requireInput(const PodcastInput& input) {
   if (input.feed.has_value() == input.json.has_value())
-    throw CLI::ValidationError("give either --feed FILE with --episodes DIR, or --json FILE");
+    throw CLI::ValidationError("give either --feed FILE with --episodes DIR, or --from-json FILE");
   if (input.feed && !input.episodes) throw CLI::ValidationError("--feed needs --episodes DIR");
 }
 
@@ -45,7 +45,7 @@ void addPushing(CLI::App& podcast, Command& chosen, bool isSync) {
       .add_option(isSync ? "--first" : "--to", options->to,
                   isSync ? "Volume to begin with; 0 unless said" : "Volume to copy to; 0 unless said")
       ->type_name("0|1");
-  addOnConflict(command, options->onConflict);
+  addCopying(command, chosen.wishes);
   addInput(command, options->input);
   command.callback([options = options.get()] {
     requireVolumes(options->volumes);
@@ -73,7 +73,7 @@ void addRemove(CLI::App& podcast, Command& chosen) {
   auto options = optionsOf(command, chosen, podcastRemove);
   addVolumes(command, options->volumes, true);
   command.add_option("--on", options->on, "Volume of the channel; 0 unless said")->type_name("0|1");
-  addYes(command, options->isAgreed);
+  addDeleting(command, chosen.wishes);
   command.add_option("CHANNEL", options->channel, "Title or folder of the channel")
       ->required()
       ->type_name("");
@@ -88,7 +88,7 @@ void addSend(CLI::App& podcast, Command& chosen) {
   command.add_option("--on", options->on, "Volume of the channels; 0 unless said")->type_name("0|1");
   addVolumes(command, options->volumes, false);
   command.add_option("--to", options->to, "Volume to copy to; 0 unless said")->type_name("0|1");
-  addOnConflict(command, options->onConflict);
+  addCopying(command, chosen.wishes);
   command.add_option("CHANNEL", options->channels, "Titles or folders of the channels")
       ->required()
       ->type_name("");

@@ -13,7 +13,7 @@ void addRemove(CLI::App& app, Command& chosen) {
   CLI::App& command = addCommand(app, "rm", "Delete files from the device");
   auto options = optionsOf(command, chosen, removeFiles);
   addVolumes(command, options->volumes, true);
-  addYes(command, options->isAgreed);
+  addDeleting(command, chosen.wishes);
   command.add_option("FILE", options->files, "Files on the device")->required()->type_name("");
   command.footer(kRemoveEnding);
 }
@@ -21,6 +21,7 @@ void addRemove(CLI::App& app, Command& chosen) {
 void addMkdir(CLI::App& app, Command& chosen) {
   CLI::App& command = addCommand(app, "mkdir", "Make a folder, with those above it where they are missing");
   auto options = optionsOf(command, chosen, makeFolder);
+  addDryRun(command, chosen.wishes);
   command.add_option("DIR", *options, "The folder; one that is there already is fine")
       ->required()
       ->type_name("");
@@ -29,6 +30,7 @@ void addMkdir(CLI::App& app, Command& chosen) {
 void addRmdir(CLI::App& app, Command& chosen) {
   CLI::App& command = addCommand(app, "rmdir", "Remove a folder");
   auto options = optionsOf(command, chosen, removeFolder);
+  addDryRun(command, chosen.wishes);
   command.add_option("DIR", options->folder, "The folder; it must be empty unless --recursive is given")
       ->required()
       ->type_name("");

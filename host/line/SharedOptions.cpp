@@ -32,23 +32,37 @@ void requireSendingVolumes(const VolumeFolders& from) {
         "no sending volume is given; name --from-internal DIR, --from-card DIR or both");
 }
 
-void addOnConflict(CLI::App& command, OnConflict& onConflict) {
+void addTelling(CLI::App& command, Wishes& wishes) {
+  constexpr auto kGroup = "Options of every command";
+  command.add_flag("--json", wishes.json, "Tell programs: JSON objects, one on a line")->group(kGroup);
+  command.add_flag("-q,--quiet", wishes.quiet, "Say only what went wrong")->group(kGroup);
+  command.add_flag("-v,--verbose", wishes.verbose, "Show the service's log on standard error")->group(kGroup);
+}
+
+void addDryRun(CLI::App& command, Wishes& wishes) {
+  command.add_flag("-n,--dry-run", wishes.dryRun, "Show what would happen and change nothing");
+}
+
+void addCopying(CLI::App& command, Wishes& wishes) {
   static const std::map<std::string, OnConflict> choices{
       {"ask", OnConflict::Ask}, {"skip", OnConflict::Skip}, {"overwrite", OnConflict::Overwrite}};
-  auto choose = [&onConflict](const std::string& word) {
+  auto choose = [&wishes](const std::string& word) {
     auto choice = choices.find(word);
     if (choice == choices.end())
       throw CLI::ValidationError("--on-conflict", word + " is none of ask, skip and overwrite");
-    onConflict = choice->second;
+    wishes.onConflict = choice->second;
   };
   command
       .add_option_function<std::string>("--on-conflict", choose,
                                         "What to do with a file that is there already")
       ->type_name("ask|skip|overwrite");
+  command.add_flag("--verify", wishes.verifies, "Read back what was written and compare");
+  addDryRun(command, wishes);
 }
 
-void addYes(CLI::App& command, bool& isAgreed) {
-  command.add_flag("-y,--yes", isAgreed, "Delete without a question");
+void addDeleting(CLI::App& command, Wishes& wishes) {
+  command.add_flag("-y,--yes", wishes.isAgreed, "Delete without a question");
+  addDryRun(command, wishes);
 }
 
 }  // namespace umsctl

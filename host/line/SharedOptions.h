@@ -8,7 +8,6 @@
 #include <memory>
 #include <string>
 
-#include "ConflictPolicy.h"
 #include "Device.h"
 #include "line/Commands.h"
 
@@ -17,11 +16,17 @@ namespace umsctl {
 /// A command with its line in the overview.
 CLI::App& addCommand(CLI::App& app, const std::string& name, const std::string& about);
 
+/// --json, --quiet and --verbose, which every command has.
+void addTelling(CLI::App& command, Wishes& wishes);
+
 /// The options of a command, filled in as the line is understood; then the command is the one to run.
 template <typename Options>
-std::shared_ptr<Options> optionsOf(CLI::App& command, Command& chosen, ExitStatus (*run)(const Options&)) {
+std::shared_ptr<Options> optionsOf(CLI::App& command, Command& chosen,
+                                   ExitStatus (*run)(const Options&, const Errand&)) {
   auto options = std::make_shared<Options>();
-  command.parse_complete_callback([options, run, &chosen] { chosen = [=] { return run(*options); }; });
+  command.parse_complete_callback(
+      [options, run, &chosen] { chosen.run = [=](const Errand& errand) { return run(*options, errand); }; });
+  addTelling(command, chosen.wishes);
   return options;
 }
 
@@ -34,7 +39,11 @@ void requireVolumes(const VolumeFolders& volumes);
 void addSendingVolumes(CLI::App& command, VolumeFolders& from);
 void requireSendingVolumes(const VolumeFolders& from);
 
-void addOnConflict(CLI::App& command, OnConflict& onConflict);
-void addYes(CLI::App& command, bool& isAgreed);
+/// --dry-run, of every command that changes something.
+void addDryRun(CLI::App& command, Wishes& wishes);
+/// --on-conflict, --verify and --dry-run, of every command that copies.
+void addCopying(CLI::App& command, Wishes& wishes);
+/// --yes and --dry-run, of commands that ask before they delete.
+void addDeleting(CLI::App& command, Wishes& wishes);
 
 }  // namespace umsctl
