@@ -42,22 +42,13 @@ bool isSameFile(FileSystem& files, const ItemOutcome& outcome) {
 
 }  // namespace
 
-Plan planOf(const Errand& errand, const std::vector<uint64_t>& sizes,
-            const std::vector<WrittenPlace>& places) {
+Plan planOf(const Errand& errand, const std::vector<uint64_t>& sizes, const std::vector<WrittenPlace>& places,
+            std::vector<Clash> clashes) {
   Plan plan;
   plan.items = sizes.size();
   plan.bytes = std::accumulate(sizes.begin(), sizes.end(), uint64_t{0});
   for (const WrittenPlace& place : places) plan.volumes.push_back(roomOf(errand, place));
-  return plan;
-}
-
-Plan rehearsedPlan(const Errand& errand, const std::vector<uint64_t>& sizes,
-                   const std::vector<WrittenPlace>& places, const Outcomes& outcomes) {
-  Plan plan = planOf(errand, sizes, places);
-  for (const ItemOutcome& outcome : outcomes.all()) {
-    if (auto action = clashOf(errand, outcome))
-      plan.clashes.push_back({outcome.path.value_or(""), outcome.destPath.value_or(""), *action});
-  }
+  plan.clashes = std::move(clashes);
   return plan;
 }
 

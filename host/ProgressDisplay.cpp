@@ -94,11 +94,13 @@ void ProgressDisplay::tell(const umsservice::ItemOutcome& outcome, const std::st
                            std::optional<bool> isVerified) {
   std::lock_guard lock(mutex_);
   const bool isFinished = outcome.kind == Kind::Done || outcome.kind == Kind::Skipped;
+  const auto clash = clashOf(errand_, outcome);
+  if (clash) clashes_[outcome.index] = {outcome.path.value_or(""), outcome.destPath.value_or(""), *clash};
   if (isFinished && !errand_.events().tellsFinished(manner_)) return;
   if (outputIsTerminal()) erase();
   const std::string& name = outcome.index < names_.size() ? names_[outcome.index] : outcome.path.value_or("");
-  errand_.events().itemEnded({outcome, manner_, name, cause, isFinished ? keptTags_[outcome.index] : "",
-                              clashOf(errand_, outcome), isVerified});
+  errand_.events().itemEnded(
+      {outcome, manner_, name, cause, isFinished ? keptTags_[outcome.index] : "", clash, isVerified});
 }
 
 /// Whether a copy counts as one only after it was compared. A dry run makes none.
@@ -123,6 +125,7 @@ void ProgressDisplay::beginVerifying(const std::vector<umsservice::ItemOutcome>&
   tally_ = TransferTally(std::move(sizes));
   rate_.restart();
   currentName_.clear();
+  lastTold_ = {};
   isVerifying_ = true;
   draw(true);
 }
@@ -134,6 +137,13 @@ void ProgressDisplay::itemVerified(const umsservice::ItemOutcome& outcome, bool 
   counted.index = tally_.counted();
   tally_.itemCounted(counted);
   draw(false);
+}
+
+std::vector<Clash> ProgressDisplay::clashes() const {
+  std::lock_guard lock(mutex_);
+  std::vector<Clash> found;
+  for (const auto& clash : clashes_) found.push_back(clash.second);
+  return found;
 }
 
 void ProgressDisplay::stepAside(const std::function<void()>& speak) {
@@ -159,7 +169,7 @@ void ProgressDisplay::finish() {
 
 void ProgressDisplay::draw(bool always) {
   if (isFinished_) return;
-  tellProgress(always);
+  tellProgress();
   auto now = TransferRate::Clock::now();
   if (!redraws_ || (!always && now - lastDrawn_ < kBetweenDrawings)) return;
   rate_.note(now, tally_.movedBytes());
@@ -172,9 +182,9 @@ void ProgressDisplay::draw(bool always) {
   isDrawn_ = true;
 }
 
-void ProgressDisplay::tellProgress(bool always) {
+void ProgressDisplay::tellProgress() {
   auto now = TransferRate::Clock::now();
-  if (errand_.rehearsal() || (!always && now - lastTold_ < kBetweenTellings)) return;
+  if (errand_.rehearsal() || now - lastTold_ < kBetweenTellings) return;
   rate_.note(now, tally_.movedBytes());
   lastTold_ = now;
   errand_.events().progressed({isVerifying_ ? "verify" : "transfer", tally_.counted(), tally_.items(),

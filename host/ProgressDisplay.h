@@ -45,6 +45,8 @@ class ProgressDisplay {
   /// Tells of an item that ended before or beside the transfer; a failure has its cause.
   void tell(const umsservice::ItemOutcome& outcome, const std::string& cause = {},
             std::optional<bool> isVerified = {});
+  /// Those that a dry run has found, in the order of the items.
+  std::vector<Clash> clashes() const;
   /// Runs something that writes to the terminal itself; the bar is out of the way meanwhile.
   void stepAside(const std::function<void()>& speak);
   /// Shows a phase without a measure in place of the bar, for example that the device is being flushed.
@@ -55,7 +57,7 @@ class ProgressDisplay {
  private:
   void hearProgress(const umsservice::Dictionary& userInfo);
   bool isVerifiedLater(const umsservice::ItemOutcome& outcome) const;
-  void tellProgress(bool always);
+  void tellProgress();
   void draw(bool always);
   void erase();
 
@@ -63,12 +65,13 @@ class ProgressDisplay {
   const bool redraws_;  ///< the bar is drawn
   const TransferManner manner_;
   const std::vector<std::string> names_;
-  std::recursive_mutex mutex_;
+  mutable std::recursive_mutex mutex_;
   TransferTally tally_;
   TransferRate rate_;
   std::string currentName_;
   std::string tags_;                        ///< of the item in hand, as they are shown
   std::map<size_t, std::string> keptTags_;  ///< of items that are told of later
+  std::map<size_t, Clash> clashes_;
   std::chrono::steady_clock::time_point lastDrawn_;
   std::chrono::steady_clock::time_point lastTold_;
   bool isVerifying_ = false;

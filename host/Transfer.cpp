@@ -159,7 +159,7 @@ ExitStatus Transfer::conclude(const std::vector<WrittenPlace>& written) {
   ExitStatus status = report({errand_, device_, contents_, *outcomes_, display_},
                              {manner_, takesSubtitles_, wasCancelled_, mismatches});
   if (errand_.rehearsal())
-    errand_.events().planned(rehearsedPlan(errand_, contents_.sizes, written, *outcomes_));
+    errand_.events().planned(planOf(errand_, contents_.sizes, written, display_.clashes()));
   return isKept || status != ExitStatus::AllDone ? status : ExitStatus::SomeFailed;
 }
 

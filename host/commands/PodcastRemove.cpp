@@ -158,8 +158,7 @@ ExitStatus podcastRemove(const PodcastRemoveOptions& options, const Errand& erra
                                                    : "the index of the channel cannot be written");
   isDone = flushed(errand, device, volume) && isDone;
   ExitStatus status = reported(errand, device, *outcomes, isDone, wasCancelled);
-  if (errand.rehearsal())
-    errand.events().planned(rehearsedPlan(errand, sizes, {writtenVolume(volume)}, *outcomes));
+  if (errand.rehearsal()) errand.events().planned(planOf(errand, sizes, {writtenVolume(volume)}));
   return status;
 }
 

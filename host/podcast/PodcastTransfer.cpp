@@ -39,7 +39,7 @@ ExitStatus PodcastTransfer::run(const Queue& queue, const std::vector<WrittenPla
   display_.finish();
   ExitStatus status =
       reportEpisodes({errand_, device_, items_, *outcomes_, display_, mismatches}, wasCancelled_);
-  if (isRehearsed) errand_.events().planned(rehearsedPlan(errand_, items_.sizes, written, *outcomes_));
+  if (isRehearsed) errand_.events().planned(planOf(errand_, items_.sizes, written, display_.clashes()));
   return isKept || status != ExitStatus::AllDone ? status : ExitStatus::SomeFailed;
 }
 
