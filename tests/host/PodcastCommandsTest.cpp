@@ -377,7 +377,8 @@ TEST_F(PodcastCommands, SendRefusesTheSameDeviceAndUnknownChannels) {
 TEST_F(PodcastCommands, SayWhatIsWrongWithTheCommandLine) {
   const std::pair<Lines, const char*> kRows[] = {
       {{"podcast"}, "a podcast command is missing: push, sync, ls, rm or send"},
-      {{"podcast", "push", "--from-json", "x"}, "no volume is given; name --internal DIR, --card DIR or both"},
+      {{"podcast", "push", "--from-json", "x"},
+       "no volume is given; name --internal DIR, --card DIR or both"},
       {podcast("push", {}), "give either --feed FILE with --episodes DIR, or --from-json FILE"},
       {podcast("push", {"--feed", "x", "--from-json", "y"}),
        "give either --feed FILE with --episodes DIR, or --from-json FILE"},
