@@ -32,8 +32,9 @@ std::string tagText(const Dictionary& userInfo) {
   return "  (" + escaped(*title) + (artist ? ", " + escaped(*artist) : "") + ")";
 }
 
-/// Lines of a log would tear the bar to pieces, and a dry run is over at once.
+/// Lines of a log and objects on the same screen would tear the bar to pieces; a dry run is over at once.
 bool hasBar(const Wishes& wishes) {
+  if (wishes.json && outputIsTerminal()) return false;
   return canRedrawError() && !wishes.quiet && !wishes.verbose && !wishes.dryRun;
 }
 

@@ -92,12 +92,17 @@ void forgetCached(const std::string& path) {
 std::map<size_t, std::string> Verification::run(const Companion& companion) {
   std::map<size_t, std::string> causes;
   std::vector<ItemOutcome> done;
+  std::map<std::string, size_t> last;  // who wrote each copy last
   for (const ItemOutcome& outcome : outcomes_.all()) {
-    if (outcome.kind == ItemOutcome::Kind::Done) done.push_back(outcome);
+    if (outcome.kind != ItemOutcome::Kind::Done) continue;
+    done.push_back(outcome);
+    last[outcome.destPath.value_or("")] = outcome.index;
   }
   display_.beginVerifying(done);
   for (ItemOutcome& outcome : done) {
-    Comparison comparison = compared(outcome, companion);
+    // A copy that a later item of the list has replaced, as the person wished, can no longer be looked at.
+    const bool isReplaced = outcome.destPath && last[*outcome.destPath] != outcome.index;
+    Comparison comparison = isReplaced ? Comparison{End::Stopped, ""} : compared(outcome, companion);
     if (comparison.end == End::Different || comparison.end == End::Unreadable) {
       causes[outcome.index] = comparison.cause;
       outcome.kind = ItemOutcome::Kind::Failed;

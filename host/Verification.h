@@ -29,7 +29,8 @@ Comparison compareFiles(umsservice::FileSystem& files, const std::string& origin
 void forgetCached(const std::string& path);
 
 /// Compares every item that is done with its source, and counts those that differ as failed. An interrupt
-/// ends it early; what was not compared stays done.
+/// ends it early; what was not compared stays done, as does a copy that a later item of the list has
+/// replaced.
 class Verification {
  public:
   Verification(const Errand& errand, Outcomes& outcomes, ProgressDisplay& display, Interrupt& interrupt)

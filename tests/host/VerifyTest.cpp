@@ -145,6 +145,14 @@ TEST_F(Verify, CountsACopyThatCannotBeReadBackAsFailed) {
       << ended.output;
 }
 
+TEST_F(Verify, DoesNotCompareACopyThatALaterFileReplaced) {
+  std::string later = sandbox.file("later/song.mp3", "lu");
+  Ended ended = umsctl(pushing({"--verify", "--on-conflict", "overwrite", song, later}));
+  EXPECT_EQ(ended.status, 0) << ended.error;
+  EXPECT_EQ(linesOf(ended.output)[0], "copied   " + phone + "/Music/song.mp3");
+  EXPECT_EQ(linesOf(ended.output)[1], "copied   " + phone + "/Music/song.mp3  (verified)");
+}
+
 TEST_F(Verify, ComparesSubtitlesThatCameAlong) {
   song = sandbox.file("computer/trip.mp4", "film");
   std::string subtitles = sandbox.file("computer/trip.smi", "hello");
