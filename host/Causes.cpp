@@ -94,7 +94,11 @@ std::string causeOf(Device& device, const ItemOutcome& outcome, const std::strin
   }
 }
 
-std::string adviceFor(const ItemOutcome& outcome) {
+std::string adviceFor(const ItemOutcome& outcome, const std::string& cause) {
+  if (cause == "it is a folder") return "name the files in it";
+  if (cause == "it is no ordinary file") return "only ordinary files can be copied";
+  if (cause == VolumeBounds::kElsewhere) return "name a file below the folder of a volume";
+  if (cause.ends_with("umsctl rmdir removes folders")) return "use umsctl rmdir";
   switch (outcome.errorNumber) {
     case kErrorFileExists:
     case kErrorOverwriteNotAllowed:
@@ -119,18 +123,10 @@ std::string adviceFor(const ItemOutcome& outcome) {
     case kErrorBadCopyItem:
     case kErrorBadSyncItem:
     case kErrorBadDeleteItem:
-      return "check the name, and the folders of the profile";
+      return "check the name and its permissions";
     default:
       return "take the device off and on, then run it again";
   }
-}
-
-std::string adviceForObjection(const std::string& objection) {
-  if (objection == "it is a folder") return "name the files in it";
-  if (objection == "it is no ordinary file") return "only ordinary files can be copied";
-  if (objection == VolumeBounds::kElsewhere) return "name a file below the folder of a volume";
-  if (objection.ends_with("umsctl rmdir removes folders")) return "use umsctl rmdir";
-  return "check the name and its permissions";
 }
 
 }  // namespace umsctl

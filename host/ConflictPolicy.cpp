@@ -39,17 +39,18 @@ const Answer* answerOf(std::string typed) {
   return nullptr;
 }
 
-OnConflict resolved(OnConflict choice) {
+}  // namespace
+
+OnConflict ConflictPolicy::resolved(OnConflict choice) {
   if (choice != OnConflict::NotSaid) return choice;
   return canAsk() ? OnConflict::Ask : OnConflict::Skip;
 }
 
-}  // namespace
-
-ConflictPolicy::ConflictPolicy(OnConflict choice, ProgressDisplay& display, Interrupt& interrupt,
+ConflictPolicy::ConflictPolicy(const Errand& errand, ProgressDisplay& display, Interrupt& interrupt,
                                std::string place)
-    : choice_(resolved(choice)),
-      saysSo_(choice == OnConflict::NotSaid && choice_ == OnConflict::Skip),
+    : errand_(errand),
+      choice_(resolved(errand.wishes().onConflict)),
+      saysSo_(errand.wishes().onConflict == OnConflict::NotSaid && choice_ == OnConflict::Skip),
       display_(display),
       interrupt_(interrupt),
       place_(std::move(place)) {}
@@ -58,6 +59,10 @@ ConflictPolicy::ConflictPolicy(OnConflict choice, ProgressDisplay& display, Inte
 /// command may take several.
 bool ConflictPolicy::confirmOverwrite(const std::string& path, bool& isOverwrite, bool& isNotAsk) {
   isNotAsk = false;
+  if (errand_.rehearsal()) {  // an answer would change nothing; each clash is told with its item
+    isOverwrite = choice_ == OnConflict::Overwrite;
+    return true;
+  }
   switch (choice_) {
     case OnConflict::Overwrite:
       isOverwrite = true;
@@ -68,7 +73,8 @@ bool ConflictPolicy::confirmOverwrite(const std::string& path, bool& isOverwrite
     default:
       isOverwrite = false;
       if (saysSo_)
-        display_.stepAside([&] { complain(path, "already " + place_ + ", skipped (see --on-conflict)"); });
+        display_.stepAside(
+            [&] { errand_.events().noticed(path, "already " + place_ + ", skipped (see --on-conflict)"); });
   }
   return true;
 }

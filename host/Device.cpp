@@ -40,12 +40,18 @@ std::shared_ptr<ProfileInfo> profileOf(const VolumeFolders& folders, FileSystem&
   }
 }
 
-Environment environmentOfPerson(const VolumeFolders& folders, std::shared_ptr<ItemObserver> observer) {
+constexpr int32_t kEverything = 7;
+
+Environment environmentOfPerson(const VolumeFolders& folders, const Errand& errand,
+                                std::shared_ptr<ItemObserver> observer) {
   Environment environment = Environment::forRunningSystem();
+  environment.fileSystem = errand.files();
+  if (errand.wishes().verbose) environment.debugLevelSource = fixedDebugLevelSource(kEverything);
   // A person's volumes are mounted anywhere.
   environment.placementRules = devicePlacementRules();
   environment.logSink = std::make_shared<EscapingLogSink>(environment.logSink);
-  environment.mediaInfoFactory = std::make_shared<TagReader>(environment.fileSystem);
+  // Nobody looks at the tags of what is not copied.
+  if (!errand.rehearsal()) environment.mediaInfoFactory = std::make_shared<TagReader>(environment.fileSystem);
   environment.itemObserver = std::move(observer);
   environment.profileInfo = profileOf(folders, *environment.fileSystem);
   return environment;
@@ -53,8 +59,8 @@ Environment environmentOfPerson(const VolumeFolders& folders, std::shared_ptr<It
 
 }  // namespace
 
-Device::Device(const VolumeFolders& folders, std::shared_ptr<ItemObserver> observer)
-    : environment_(environmentOfPerson(folders, std::move(observer))),
+Device::Device(const VolumeFolders& folders, const Errand& errand, std::shared_ptr<ItemObserver> observer)
+    : environment_(environmentOfPerson(folders, errand, std::move(observer))),
       service_(std::make_unique<UMSService>(environment_)) {
   if (folders.internal) addVolume(*folders.internal, true);
   if (folders.card) addVolume(*folders.card, false);

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Errand.h"
 #include "umsservice/UMSService.h"
 
 namespace umsctl {
@@ -44,7 +45,8 @@ class Device {
 
   /// Throws `Refusal` for a volume whose folder is not there and for a profile that makes no sense. Without
   /// volumes it serves single folders.
-  explicit Device(const VolumeFolders& folders, std::shared_ptr<umsservice::ItemObserver> observer = nullptr);
+  Device(const VolumeFolders& folders, const Errand& errand,
+         std::shared_ptr<umsservice::ItemObserver> observer = nullptr);
 
   umsservice::UMSService& service() { return *service_; }
   umsservice::FileSystem& files() { return *environment_.fileSystem; }

@@ -7,10 +7,9 @@
 #include <exception>
 #include <system_error>
 
-#include "CommandLine.h"
 #include "Output.h"
-#include "Refusal.h"
 #include "TagProcess.h"
+#include "line/CommandLine.h"
 
 namespace {
 
@@ -19,9 +18,6 @@ using umsctl::ExitStatus;
 ExitStatus runGuarded(const std::vector<std::string>& arguments) {
   try {
     return umsctl::runCommandLine(arguments);
-  } catch (const umsctl::Refusal& refusal) {
-    umsctl::complain(refusal.subject(), refusal.what());
-    return refusal.exitStatus();
   } catch (const std::exception& failure) {
     umsctl::complain("", failure.what());
     return ExitStatus::SomeFailed;

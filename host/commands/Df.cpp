@@ -6,7 +6,6 @@
 #include "Amounts.h"
 #include "Columns.h"
 #include "EscapedName.h"
-#include "Output.h"
 #include "Terminal.h"
 
 namespace umsctl {
@@ -33,7 +32,7 @@ Cell bar(uint64_t total, uint64_t free) {
   return {"[" + shape + "]" + percent, paint};
 }
 
-void showBars(Device& device, bool inBytes) {
+void showBars(Device& device, bool inBytes, Events& events) {
   using Fit = Columns::Fit;
   Columns table({{"VOLUME"},
                  {"KIND"},
@@ -48,22 +47,30 @@ void showBars(Device& device, bool inBytes) {
     table.add({std::to_string(volume.index), volume.kind, bar(total, free), text(free), text(total),
                escaped(volume.path)});
   }
-  print(table.text(outputColumns(), outputHasColour()));
+  events.remarked(table.text(outputColumns(), outputHasColour()));
 }
 
 }  // namespace
 
-ExitStatus df(const DfOptions& options) {
-  Device device(options.volumes);
-  if (outputIsTerminal()) {
-    showBars(device, options.inBytes);
+ExitStatus df(const DfOptions& options, const Errand& errand) {
+  Device device(options.volumes, errand);
+  if (outputIsTerminal() && !errand.wishes().json) {
+    showBars(device, options.inBytes, errand.events());
     return ExitStatus::AllDone;
   }
   auto text = [&](uint64_t bytes) { return options.inBytes ? std::to_string(bytes) : byteText(bytes); };
-  print(row("VOLUME", "KIND", "TOTAL", "FREE", "FOLDER"));
+  errand.events().remarked(row("VOLUME", "KIND", "TOTAL", "FREE", "FOLDER"));
   for (const Device::Volume& volume : device.volumes()) {
-    print(row(std::to_string(volume.index), volume.kind, text(device.service().totalSpace(0, volume.index)),
-              text(device.service().freeSpace(0, volume.index)), escaped(volume.path)));
+    const uint64_t total = device.service().totalSpace(0, volume.index);
+    const uint64_t free = device.service().freeSpace(0, volume.index);
+    errand.events().shown(
+        {row(std::to_string(volume.index), volume.kind, text(total), text(free), escaped(volume.path)),
+         "volume",
+         {{"index", uint64_t{volume.index}},
+          {"kind", volume.kind},
+          {"path", volume.path},
+          {"total", total},
+          {"free", free}}});
   }
   return ExitStatus::AllDone;
 }

@@ -6,12 +6,12 @@
 #include "Colour.h"
 #include "EscapedName.h"
 #include "LongListing.h"
-#include "Output.h"
 #include "Paths.h"
 #include "PhaseLine.h"
 #include "ShownTags.h"
 #include "Terminal.h"
 #include "VolumeBounds.h"
+#include "VolumeHeadline.h"
 #include "umsservice/Notifications.h"
 
 namespace umsctl {
@@ -27,6 +27,13 @@ constexpr ShownTag kFields[] = {ShownTag::Title,       ShownTag::Artist, ShownTa
 /// What a person is shown of them in a line.
 constexpr ShownTag kForEyes[] = {ShownTag::Title,  ShownTag::Artist,    ShownTag::Album,  ShownTag::Duration,
                                  ShownTag::Pixels, ShownTag::DateTaken, ShownTag::Camera, ShownTag::Codecs};
+/// In the order of the fields that programs get.
+constexpr const char* kTags[] = {"Title",  "Artist",     "Album",     "Genre",  "TrackNumber",
+                                 "Year",   "Duration",   "Width",     "Height", "DateTaken",
+                                 "Camera", "VideoCodec", "AudioCodec"};
+constexpr const char* kTagFields[] = {"title",  "artist",      "album",      "genre",  "track",
+                                      "year",   "seconds",     "width",      "height", "taken",
+                                      "camera", "video_codec", "audio_codec"};
 
 std::vector<Dictionary> dictionariesOf(const MaybeArray& array) {
   std::vector<Dictionary> dictionaries;
@@ -39,17 +46,18 @@ std::vector<Dictionary> dictionariesOf(const MaybeArray& array) {
 
 class Listing {
  public:
-  Listing(Device& device, const ListOptions& options)
-      : device_(device),
+  Listing(const Errand& errand, Device& device, const ListOptions& options)
+      : events_(errand.events()),
+        device_(device),
         options_(options),
         bounds_(options.volumes),
-        forEyes_(options.isLong || outputIsTerminal()) {}
+        forEyes_(options.isLong || outputIsTerminal()),
+        isTable_(options.isLong && !errand.wishes().json) {}
 
   void show(const Device::Volume& volume) {
     auto readable = device_.files().list(volume.path);
     if (!readable) return tellUnreadable(volume.path, readable.error());
-    if (forEyes_)
-      print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
+    events_.shown(volumeHeadline(volume, forEyes_));
     for (uint32_t mediaType : std::vector<uint32_t>{kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
       if (options_.mediaType == 0 || options_.mediaType == mediaType) showType(volume, mediaType);
     }
@@ -58,7 +66,8 @@ class Listing {
 
   void showTotal() const {
     if (!forEyes_) return;
-    print(std::to_string(count_) + (count_ == 1 ? " file" : " files") + ", " + byteText(bytes_) + "\n");
+    events_.remarked(std::to_string(count_) + (count_ == 1 ? " file" : " files") + ", " + byteText(bytes_) +
+                     "\n");
   }
 
   bool everythingWasRead() const { return everythingWasRead_; }
@@ -71,17 +80,29 @@ class Listing {
     readTags(files);
     for (const Listed& file : files) bytes_ += file.size;
     count_ += files.size();
-    if (options_.isLong)
-      return print(longListing(mediaType, files, volume.path, outputColumns(), outputHasColour()));
-    constexpr size_t kWorthWriting = 64 * 1024;
-    std::string text;
+    if (isTable_)
+      return events_.remarked(longListing(mediaType, files, volume.path, outputColumns(), outputHasColour()));
     for (const Listed& file : files) {
-      text += forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
-      if (text.size() < kWorthWriting) continue;
-      print(text);
-      text.clear();
+      std::string line = forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
+      events_.shown({line, "file", fieldsOf(volume, mediaType, file)});
     }
-    print(text);
+  }
+
+  static std::vector<std::pair<const char*, Shown::Field>> fieldsOf(const Device::Volume& volume,
+                                                                    uint32_t mediaType, const Listed& file) {
+    std::vector<std::pair<const char*, Shown::Field>> fields{{"volume", uint64_t{volume.index}},
+                                                             {"type", std::string(kWords[mediaType])},
+                                                             {"bytes", file.size},
+                                                             {"path", file.path}};
+    for (size_t i = 0; file.tags && i < std::size(kTags); ++i) {
+      if (!file.tags->contains(kTags[i])) continue;
+      if (auto text = file.tags->string(kTags[i])) {
+        fields.emplace_back(kTagFields[i], *text);
+      } else {
+        fields.emplace_back(kTagFields[i], uint64_t{file.tags->get(kTags[i]).unsignedIntValue()});
+      }
+    }
+    return fields;
   }
 
   std::vector<Listed> media(uint32_t diskIndex, uint32_t mediaType) {
@@ -164,13 +185,15 @@ class Listing {
 
   void tellUnreadable(const std::string& path, const FileError& error) {
     everythingWasRead_ = false;
-    complain(path, error.words());
+    events_.complained(path, error.words());
   }
 
+  Events& events_;
   Device& device_;
   const ListOptions& options_;
   const VolumeBounds bounds_;
   const bool forEyes_;
+  const bool isTable_;
   size_t count_ = 0;
   uint64_t bytes_ = 0;
   bool everythingWasRead_ = true;
@@ -178,9 +201,9 @@ class Listing {
 
 }  // namespace
 
-ExitStatus listMedia(const ListOptions& options) {
-  Device device(options.volumes);
-  Listing listing(device, options);
+ExitStatus listMedia(const ListOptions& options, const Errand& errand) {
+  Device device(options.volumes, errand);
+  Listing listing(errand, device, options);
   for (const Device::Volume& volume : device.volumes()) listing.show(volume);
   listing.showTotal();
   return listing.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;

@@ -13,6 +13,6 @@ struct ListOptions {
   bool isLong = false;  ///< a table, with the tags that matter for the type
 };
 
-ExitStatus listMedia(const ListOptions& options);
+ExitStatus listMedia(const ListOptions& options, const Errand& errand);
 
 }  // namespace umsctl

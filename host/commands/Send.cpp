@@ -29,8 +29,8 @@ std::optional<ItemOutcome> settledAt(FileSystem& files, const std::string& sourc
 
 }  // namespace
 
-ExitStatus sendMedia(const SendOptions& options) {
-  Device destination(options.volumes);
+ExitStatus sendMedia(const SendOptions& options, const Errand& errand) {
+  Device destination(options.volumes, errand);
   const Device::Volume& target = destination.volume(options.to);
   auto receiver = std::make_shared<AskingDevice>(destination);
   const VolumeBounds bounds(options.from);
@@ -40,7 +40,7 @@ ExitStatus sendMedia(const SendOptions& options) {
   // The sender chooses the folders on the receiver.
   VolumeFolders from = options.from;
   from.profile = options.volumes.profile;
-  Transfer transfer(from, options.files, options.onConflict, {.subtitles = Subtitles::StayBehind}, objection);
+  Transfer transfer(errand, from, options.files, {.subtitles = Subtitles::StayBehind}, objection);
   transfer.policy().setOtherDevice(receiver);
   UMSService& source = transfer.device().service();
   auto sort = [&](size_t index) {
@@ -55,7 +55,7 @@ ExitStatus sendMedia(const SendOptions& options) {
     return source.copyContentsDeviceToDevice(serviceID, contents, source.locationID(),
                                              destination.service().locationID(), mediaType, target.index);
   };
-  return transfer.runByType(sort, queue, {target.path});
+  return transfer.runByType(sort, queue, {writtenVolume(target)});
 }
 
 }  // namespace umsctl

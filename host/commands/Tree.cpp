@@ -6,9 +6,9 @@
 #include "Amounts.h"
 #include "Colour.h"
 #include "EscapedName.h"
-#include "Output.h"
 #include "Paths.h"
 #include "Terminal.h"
+#include "VolumeHeadline.h"
 
 namespace umsctl {
 namespace {
@@ -38,10 +38,11 @@ struct Branches {
 constexpr Branches kDrawn{"\u2502   ", "    ", "\u251c\u2500\u2500 ", "\u2514\u2500\u2500 "};
 constexpr Branches kTyped{"|   ", "    ", "|-- ", "`-- "};
 
-/// Trees on standard output. Folders that cannot be read are told on standard error.
+/// Shows trees, and tells of folders that cannot be read.
 class TreePrinter {
  public:
-  explicit TreePrinter(Device& device) : device_(device), branches_(showsUtf8() ? kDrawn : kTyped) {}
+  TreePrinter(const Errand& errand, Device& device)
+      : events_(errand.events()), device_(device), branches_(showsUtf8() ? kDrawn : kTyped) {}
 
   /// `folders` as the service lists them: the root first, full paths.
   void show(const std::string& root, const Array& folders) {
@@ -49,11 +50,13 @@ class TreePrinter {
     for (const std::string& path : textsOf(folders)) {
       if (path != root) below_[path.substr(0, path.rfind('/'))].push_back(lastComponent(path));
     }
+    events_.shown({"", "folder", {{"path", root}, {"link", false}}});
     showFolder(root, "");
   }
 
   void showTotal() const {
-    print(counted(folders_, "folder") + ", " + counted(files_, "file") + ", " + byteText(bytes_) + "\n");
+    events_.remarked(counted(folders_, "folder") + ", " + counted(files_, "file") + ", " + byteText(bytes_) +
+                     "\n");
   }
 
   bool everythingWasRead() const { return everythingWasRead_; }
@@ -93,7 +96,9 @@ class TreePrinter {
 
   void showFile(const std::string& line, const std::string& path) {
     const uint64_t size = device_.service().fileSizeAtDevice(path);
-    print(line + escaped(lastComponent(path)) + "  " + byteText(size) + "\n");
+    events_.shown({line + escaped(lastComponent(path)) + "  " + byteText(size) + "\n",
+                   "file",
+                   {{"path", path}, {"bytes", size}}});
     ++files_;
     bytes_ += size;
   }
@@ -102,8 +107,9 @@ class TreePrinter {
   bool showsContents(const std::string& line, const std::string& path) {
     const std::string name = escaped(lastComponent(path)) + "/";
     const bool link = isLink(path);
-    print(line + (outputHasColour() ? painted(Paint::Strong, name) : name) + (link ? "  (a link)" : "") +
-          "\n");
+    const std::string shown = outputHasColour() ? painted(Paint::Strong, name) : name;
+    events_.shown(
+        {line + shown + (link ? "  (a link)" : "") + "\n", "folder", {{"path", path}, {"link", link}}});
     ++folders_;
     return !link;
   }
@@ -116,9 +122,10 @@ class TreePrinter {
   void tellUnreadable(const std::string& path) {
     everythingWasRead_ = false;
     auto listed = device_.files().list(path);
-    complain(path, listed ? "it could not be read" : listed.error().words());
+    events_.complained(path, listed ? "it could not be read" : listed.error().words());
   }
 
+  Events& events_;
   Device& device_;
   const Branches& branches_;
   std::map<std::string, std::vector<std::string>> below_;  ///< names of the folders in a folder
@@ -128,10 +135,10 @@ class TreePrinter {
   bool everythingWasRead_ = true;
 };
 
-void showVolumes(Device& device, TreePrinter& printer) {
+void showVolumes(const Errand& errand, Device& device, TreePrinter& printer) {
   auto trees = device.service().getDeviceAllFolderLists();
   for (const Device::Volume& volume : device.volumes()) {
-    print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
+    errand.events().shown(volumeHeadline(volume));
     auto tree = trees ? trees->at(volume.index).dictionary() : std::nullopt;
     auto folders = tree ? tree->get("folderLists").array() : std::nullopt;
     if (folders) printer.show(volume.path, *folders);
@@ -140,15 +147,15 @@ void showVolumes(Device& device, TreePrinter& printer) {
 
 }  // namespace
 
-ExitStatus tree(const TreeOptions& options) {
-  Device device(options.volumes);
-  TreePrinter printer(device);
+ExitStatus tree(const TreeOptions& options, const Errand& errand) {
+  Device device(options.volumes, errand);
+  TreePrinter printer(errand, device);
   if (options.folder) {
     std::string root = withoutTrailingSlashes(absolutePath(*options.folder));
-    print(escaped(*options.folder) + "\n");
+    errand.events().remarked(escaped(*options.folder) + "\n");
     printer.show(root, *device.service().recursiveFolderLists(root));
   } else {
-    showVolumes(device, printer);
+    showVolumes(errand, device, printer);
   }
   printer.showTotal();
   return printer.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;
