@@ -167,7 +167,7 @@ TEST_F(JsonOutput, IsWhatItsDocumentationSays) {
   const std::vector<std::vector<std::string>> lines{
       pushing({"-n", media("plain-hum.mp3"), media("sunrise.jpg")}),
       pushing({"--verify", media("plain-hum.mp3"), media("evening-tone.flac"), media("missing.mp3")}),
-      pushing({media("morning-tone.mp3")}),
+      pushing({media("morning-tone.mp3"), media("pier.jpg"), media("harbour.mp4")}),
       {"pull", "-n", "--internal", phone, "--into", sandbox.at("into"), onPhone},
       {"podcast", "push", "--internal", phone, "--from-json", podcast},
       {"podcast", "ls", "--internal", phone},

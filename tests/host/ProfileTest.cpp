@@ -46,7 +46,8 @@ TEST_F(Profile, HoldsForEachVolumeWhateverItsNumberIs) {
     std::string alone = sandbox.at(command + "/card");
     EXPECT_EQ(umsctl({command, "--card", alone, "--profile", file, song}).status, 0);
     EXPECT_TRUE(exists(alone + "/Out/plain-hum.mp3")) << command;
-    EXPECT_EQ(umsctl({"podcast", command, "--card", alone, "--profile", file, "--json", json}).status, 0);
+    EXPECT_EQ(umsctl({"podcast", command, "--card", alone, "--profile", file, "--from-json", json}).status,
+              0);
     EXPECT_TRUE(exists(alone + "/OutCasts/Tides/plain-hum.mp3")) << command;
     EXPECT_NE(umsctl({"podcast", "ls", "--card", alone, "--profile", file}).output.find("Tides"),
               std::string::npos);
