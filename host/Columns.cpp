@@ -35,6 +35,12 @@ std::vector<std::string> wrapped(const std::string& text, size_t columns) {
   return lines;
 }
 
+/// The lines that a cell takes in a column.
+std::vector<std::string> fitted(const std::string& text, Columns::Fit fit, size_t columns) {
+  if (fit == Columns::Fit::Wrap) return wrapped(text, columns);
+  return {fit == Columns::Fit::CutFront ? shortenedAtFront(text, columns) : shortened(text, columns)};
+}
+
 /// One line under construction. Blanks are written only once something follows them.
 class Line {
  public:
@@ -98,9 +104,7 @@ std::string Columns::rowText(const std::vector<Cell>& cells, const std::vector<s
   std::vector<std::vector<std::string>> parts;
   size_t height = 1;
   for (size_t i = 0; i < columns_.size(); ++i) {
-    const std::string& shown = cells[i].text;
-    parts.push_back(columns_[i].fit == Fit::Wrap ? wrapped(shown, widths[i])
-                                                 : std::vector{shortened(shown, widths[i])});
+    parts.push_back(fitted(cells[i].text, columns_[i].fit, widths[i]));
     height = std::max(height, parts.back().size());
   }
   std::string text;

@@ -25,9 +25,10 @@ class Columns {
  public:
   /// What becomes of a column where the screen is too narrow for all of them.
   enum class Fit {
-    Keep,  ///< it stays as it is
-    Cut,   ///< long texts end with "..."
-    Wrap,  ///< long texts go on below
+    Keep,      ///< it stays as it is
+    Cut,       ///< long texts end with "..."
+    CutFront,  ///< long texts begin with "...", as paths
+    Wrap,      ///< long texts go on below
   };
   struct Column {
     std::string head;

@@ -96,4 +96,18 @@ std::string shortened(const std::string& text, size_t columns) {
   return text.substr(0, at) + std::string(kMark);
 }
 
+std::string shortenedAtFront(const std::string& text, size_t columns) {
+  constexpr std::string_view kMark = "...";
+  size_t left = columnsOf(text);
+  if (left <= columns) return text;
+  if (columns < kMark.size()) return std::string(columns, '.');
+  size_t at = 0;
+  while (left > columns - kMark.size()) {
+    Utf8Step step = utf8StepAt(text, at);
+    left -= columnsOfCodePoint(step.codePoint.value_or('?'));
+    at += step.length;
+  }
+  return std::string(kMark) + text.substr(at);
+}
+
 }  // namespace umsctl

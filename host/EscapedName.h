@@ -15,6 +15,9 @@ std::string escaped(std::string_view text);
 /// already escaped, in any script; the result never runs over.
 std::string shortened(const std::string& text, size_t columns);
 
+/// The same with the end kept: of a path, that tells more.
+std::string shortenedAtFront(const std::string& text, size_t columns);
+
 /// The columns that escaped text takes at most.
 size_t columnsOf(std::string_view text);
 

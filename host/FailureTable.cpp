@@ -29,7 +29,7 @@ void tellFailures(const std::vector<Failure>& failures) {
     return;
   }
   using Fit = Columns::Fit;
-  Columns table({{"FILE", Fit::Cut}, {"NUMBER"}, {"CAUSE", Fit::Wrap}, {"WHAT TO DO", Fit::Wrap}});
+  Columns table({{"FILE", Fit::CutFront}, {"NUMBER"}, {"CAUSE", Fit::Wrap}, {"WHAT TO DO", Fit::Wrap}});
   for (const Failure& failure : failures)
     table.add({escaped(failure.name), numberText(failure.number), failure.cause, failure.advice});
   const bool hasColour = errorHasColour();

@@ -60,7 +60,7 @@ std::string longListing(uint32_t mediaType, const std::vector<Listed>& files, co
   constexpr const char* kHeads[] = {"", "MUSIC", "IMAGE", "VIDEO", "EPISODE"};
   if (files.empty()) return "";
   const std::vector<TagColumn> tags = columnsOfType(mediaType);
-  std::vector<Columns::Column> columns{{"SIZE", Fit::Keep, true}, {kHeads[mediaType], Fit::Cut, false}};
+  std::vector<Columns::Column> columns{{"SIZE", Fit::Keep, true}, {kHeads[mediaType], Fit::CutFront, false}};
   for (const TagColumn& tag : tags) columns.push_back({tag.head, tag.fit, tag.isRight});
   Columns table(columns);
   for (const Listed& file : files) {

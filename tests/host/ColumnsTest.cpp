@@ -52,6 +52,13 @@ TEST(Columns, AreCutFairlyWhereTheScreenIsNarrow) {
   }
 }
 
+TEST(Columns, KeepTheEndsOfPaths) {
+  umsctl::Columns table({{"FILE", Fit::CutFront}});
+  table.add({"Music/長い名前/song.mp3"});
+  EXPECT_EQ(shown(table, 13), (Lines{"FILE", ".../song.mp3"}));
+  EXPECT_EQ(shown(table, 15), (Lines{"FILE", "...前/song.mp3"}));
+}
+
 TEST(Columns, GoOnBelowWhereTheirTextsMustNotBeCut) {
   umsctl::Columns table({{"FILE", Fit::Cut}, {"CAUSE", Fit::Wrap}});
   table.add({"a.mp3", "not enough room on the volume"});
