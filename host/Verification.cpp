@@ -81,7 +81,6 @@ void forgetCached(const std::string& path) {
 #if defined(POSIX_FADV_DONTNEED)
   int descriptor = ::open(path.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
   if (descriptor < 0) return;
-  ::fsync(descriptor);  // what is not on the device yet cannot be forgotten
   ::posix_fadvise(descriptor, 0, 0, POSIX_FADV_DONTNEED);
   ::close(descriptor);
 #else

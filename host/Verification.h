@@ -25,7 +25,8 @@ Comparison compareFiles(umsservice::FileSystem& files, const std::string& origin
                         const std::function<bool(uint64_t)>& goesOn);
 
 /// Has the system forget what it knows of a file's bytes, so that they are read from the device again, as far
-/// as the system lets itself be told. A file that cannot be opened is left alone.
+/// as the system lets itself be told. After the volume was flushed: what is not on the device yet is kept. A
+/// file that cannot be opened is left alone.
 void forgetCached(const std::string& path);
 
 /// Compares every item that is done with its source, and counts those that differ as failed. An interrupt
