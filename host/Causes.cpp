@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "Amounts.h"
+#include "VolumeBounds.h"
 #include "umsservice/ErrorNumbers.h"
 
 namespace umsctl {
@@ -90,6 +91,41 @@ std::string causeOf(Device& device, const ItemOutcome& outcome, const std::strin
       return causeOfFullVolume(device, outcome);
     default:
       return causeByNumber(outcome, folder);
+  }
+}
+
+std::string adviceFor(const ItemOutcome& outcome, const std::string& cause) {
+  if (cause == "it is a folder") return "name the files in it";
+  if (cause == "it is no ordinary file") return "only ordinary files can be copied";
+  if (cause == VolumeBounds::kElsewhere) return "name a file below the folder of a volume";
+  if (cause.ends_with("umsctl rmdir removes folders")) return "use umsctl rmdir";
+  switch (outcome.errorNumber) {
+    case kErrorFileExists:
+    case kErrorOverwriteNotAllowed:
+      return "rename the file, or move away what is in its place";
+    case kErrorWriteVolumeFull:
+    case kErrorVolumeFull:
+      return outcome.kind == ItemOutcome::Kind::NotReached
+                 ? "run it again once there is room"
+                 : "make room (umsctl rm), or choose another volume";
+    case kErrorUnknownMediaType:
+      return "umsctl put copies any file";
+    case kErrorCreateFolderFailed:
+      return "see what stands in the way of the folder, and whether the volume can be written to";
+    case kErrorAttributesUnreadable:
+      return "check the name, and that the device is still there";
+    case kErrorOpenFailed:
+    case kErrorDeleteFailed:
+      return "check permissions, and that the volume can be written to";
+    case kErrorCopyFailed:
+      return "check the cable and the card, then run it again";
+    case kErrorInvalidInput:
+    case kErrorBadCopyItem:
+    case kErrorBadSyncItem:
+    case kErrorBadDeleteItem:
+      return "check the name and its permissions";
+    default:
+      return "take the device off and on, then run it again";
   }
 }
 

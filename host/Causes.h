@@ -14,4 +14,8 @@ namespace umsctl {
 std::string causeOf(Device& device, const umsservice::ItemOutcome& outcome,
                     const std::string& folder = "its folder on the device");
 
+/// What a person can do about it: by the cause where that is an objection (see `Contents`) which kept the
+/// file from being tried, else by the number.
+std::string adviceFor(const umsservice::ItemOutcome& outcome, const std::string& cause);
+
 }  // namespace umsctl

@@ -19,16 +19,15 @@ struct Answer {
   const char* letter;  ///< null where a letter would be ambiguous
   bool isOverwrite;
   bool isLasting;  ///< holds for every later file, without further questions
+  bool isQuit = false;
 };
 
 constexpr Answer kAnswers[] = {
-    {"yes", "y", true, false},
-    {"no", "n", false, false},
-    {"all", "a", true, true},
-    {"none", nullptr, false, true},
+    {"yes", "y", true, false},      {"no", "n", false, false},        {"all", "a", true, true},
+    {"none", nullptr, false, true}, {"quit", "q", false, true, true},
 };
 
-constexpr Answer kNone = kAnswers[3];
+constexpr const Answer& kNone = kAnswers[3];
 
 const Answer* answerOf(std::string typed) {
   std::erase_if(typed, [](char c) { return c == ' ' || c == '\t' || c == '\r'; });
@@ -40,17 +39,18 @@ const Answer* answerOf(std::string typed) {
   return nullptr;
 }
 
-OnConflict resolved(OnConflict choice) {
+}  // namespace
+
+OnConflict ConflictPolicy::resolved(OnConflict choice) {
   if (choice != OnConflict::NotSaid) return choice;
   return canAsk() ? OnConflict::Ask : OnConflict::Skip;
 }
 
-}  // namespace
-
-ConflictPolicy::ConflictPolicy(OnConflict choice, ProgressDisplay& display, Interrupt& interrupt,
+ConflictPolicy::ConflictPolicy(const Errand& errand, ProgressDisplay& display, Interrupt& interrupt,
                                std::string place)
-    : choice_(resolved(choice)),
-      saysSo_(choice == OnConflict::NotSaid && choice_ == OnConflict::Skip),
+    : errand_(errand),
+      choice_(resolved(errand.wishes().onConflict)),
+      saysSo_(errand.wishes().onConflict == OnConflict::NotSaid && choice_ == OnConflict::Skip),
       display_(display),
       interrupt_(interrupt),
       place_(std::move(place)) {}
@@ -59,6 +59,10 @@ ConflictPolicy::ConflictPolicy(OnConflict choice, ProgressDisplay& display, Inte
 /// command may take several.
 bool ConflictPolicy::confirmOverwrite(const std::string& path, bool& isOverwrite, bool& isNotAsk) {
   isNotAsk = false;
+  if (errand_.rehearsal()) {  // an answer would change nothing; each clash is told with its item
+    isOverwrite = choice_ == OnConflict::Overwrite;
+    return true;
+  }
   switch (choice_) {
     case OnConflict::Overwrite:
       isOverwrite = true;
@@ -69,7 +73,8 @@ bool ConflictPolicy::confirmOverwrite(const std::string& path, bool& isOverwrite
     default:
       isOverwrite = false;
       if (saysSo_)
-        display_.stepAside([&] { complain(path, "already " + place_ + ", skipped (see --on-conflict)"); });
+        display_.stepAside(
+            [&] { errand_.events().noticed(path, "already " + place_ + ", skipped (see --on-conflict)"); });
   }
   return true;
 }
@@ -81,13 +86,21 @@ void ConflictPolicy::ask(const std::string& path, bool& isOverwrite) {
     return;
   }
   while (!answer) {
-    printToError(escaped(lastComponent(path)) + " is already " + place_ + ". Replace it? (y/n/all/none) ");
+    printToError(escaped(lastComponent(path)) + " is already " + place_ +
+                 ". Replace it? (y/n/all/none/quit) ");
     auto typed = readAnswer();
     answer = typed ? answerOf(*typed) : &kNone;
     if (!typed) printToError("\n");
   }
   isOverwrite = answer->isOverwrite;
   if (answer->isLasting) lasting_ = isOverwrite;
+  if (answer->isQuit) quit();
+}
+
+/// As Ctrl-C does it: what is being copied is no longer wanted, and neither is the rest of the list.
+void ConflictPolicy::quit() {
+  interrupt_.happen();
+  interrupt_.settle();  // the run must be cancelled before it goes on to the next file
 }
 
 /// One line, or nothing when no more answers can come: the input has ended, or the person has had enough.

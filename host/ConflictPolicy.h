@@ -1,28 +1,26 @@
 /// What happens where a file of that name is on the device already.
 ///
+/// At the question "all" and "none" hold for the rest of the command, and "quit" ends it as Ctrl-C does.
 /// The service asks on its worker thread, in the middle of a run; see `Transfer` for who owns this.
 #pragma once
 
 #include <string>
 
+#include "Errand.h"
 #include "Interrupt.h"
 #include "ProgressDisplay.h"
 #include "umsservice/QDDeviceConfirmDelegate.h"
 
 namespace umsctl {
 
-enum class OnConflict {
-  NotSaid,    ///< ask where there is somebody to ask; elsewhere skip, and say so
-  Ask,        ///< ask on standard error, take the answer from standard input
-  Skip,       ///< keep what is there
-  Overwrite,  ///< replace what is there
-};
-
 class ConflictPolicy final : public umsservice::QDDeviceConfirmDelegate {
  public:
   /// `place` says where a file that is in the way is: "on the device", "there".
-  ConflictPolicy(OnConflict choice, ProgressDisplay& display, Interrupt& interrupt,
+  ConflictPolicy(const Errand& errand, ProgressDisplay& display, Interrupt& interrupt,
                  std::string place = "on the device");
+
+  /// What a person's choice comes to here and now: nobody is asked where nobody is.
+  static OnConflict resolved(OnConflict choice);
 
   /// The other device of a copy from device to device; there is none before this is called.
   void setOtherDevice(std::shared_ptr<umsservice::OVFileService> device) { otherDevice_ = std::move(device); }
@@ -33,8 +31,10 @@ class ConflictPolicy final : public umsservice::QDDeviceConfirmDelegate {
 
  private:
   void ask(const std::string& path, bool& isOverwrite);
+  void quit();
   std::optional<std::string> readAnswer();
 
+  const Errand& errand_;
   const OnConflict choice_;
   const bool saysSo_;  ///< each skip is told: nobody chose it
   ProgressDisplay& display_;

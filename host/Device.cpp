@@ -1,5 +1,6 @@
 #include "Device.h"
 
+#include "DefaultFoldersFile.h"
 #include "EscapedName.h"
 #include "Paths.h"
 #include "Refusal.h"
@@ -24,20 +25,42 @@ class EscapingLogSink final : public LogSink {
   const std::shared_ptr<LogSink> sink_;
 };
 
-Environment environmentOfPerson(std::shared_ptr<ItemObserver> observer) {
+/// Answers each question for the volume that is meant.
+std::shared_ptr<ProfileInfo> profileOf(const VolumeFolders& folders, FileSystem& files) {
+  if (!folders.profile) return nullptr;
+  const char* first = folders.internal ? DefaultFoldersFile::kInternal : DefaultFoldersFile::kCard;
+  const char* second = DefaultFoldersFile::kCard;
+  switch (folders.profileChoice) {
+    case ProfileChoice::Number:
+      return std::make_shared<DefaultFoldersFile>(files, *folders.profile, first, second);
+    case ProfileChoice::NumberAsKind:
+      return std::make_shared<DefaultFoldersFile>(files, *folders.profile, second, first);
+    default:
+      return std::make_shared<DefaultFoldersFile>(files, *folders.profile);
+  }
+}
+
+constexpr int32_t kEverything = 7;
+
+Environment environmentOfPerson(const VolumeFolders& folders, const Errand& errand,
+                                std::shared_ptr<ItemObserver> observer) {
   Environment environment = Environment::forRunningSystem();
+  environment.fileSystem = errand.files();
+  if (errand.wishes().verbose) environment.debugLevelSource = fixedDebugLevelSource(kEverything);
   // A person's volumes are mounted anywhere.
   environment.placementRules = devicePlacementRules();
   environment.logSink = std::make_shared<EscapingLogSink>(environment.logSink);
-  environment.mediaInfoFactory = std::make_shared<TagReader>(environment.fileSystem);
+  // Nobody looks at the tags of what is not copied.
+  if (!errand.rehearsal()) environment.mediaInfoFactory = std::make_shared<TagReader>(environment.fileSystem);
   environment.itemObserver = std::move(observer);
+  environment.profileInfo = profileOf(folders, *environment.fileSystem);
   return environment;
 }
 
 }  // namespace
 
-Device::Device(const VolumeFolders& folders, std::shared_ptr<ItemObserver> observer)
-    : environment_(environmentOfPerson(std::move(observer))),
+Device::Device(const VolumeFolders& folders, const Errand& errand, std::shared_ptr<ItemObserver> observer)
+    : environment_(environmentOfPerson(folders, errand, std::move(observer))),
       service_(std::make_unique<UMSService>(environment_)) {
   if (folders.internal) addVolume(*folders.internal, true);
   if (folders.card) addVolume(*folders.card, false);
@@ -54,6 +77,13 @@ void Device::addVolume(const std::string& folder, bool internal) {
   service_->addDiskInformation(
       Dictionary{{key::kDiskType, internal ? kInternalDisk : kCardDisk}, {key::kVolumePath, path}});
   volumes_.push_back({static_cast<uint32_t>(volumes_.size()), internal ? "internal" : "card", path});
+}
+
+MaybeDictionary Device::tagsOf(const std::string& path) {
+  auto builder = environment_.mediaInfoFactory->getBuilder(path);
+  MaybeDictionary tags = builder ? builder->build(path) : std::nullopt;
+  if (tags) tags->remove("AlbumArt");
+  return tags;
 }
 
 const Device::Volume& Device::volume(uint32_t index) const {

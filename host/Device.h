@@ -7,15 +7,31 @@
 #include <string>
 #include <vector>
 
+#include "Errand.h"
 #include "umsservice/UMSService.h"
 
 namespace umsctl {
+
+/// By what the requests of a command choose between a profile's folders: not all go by the kind of a volume.
+enum class ProfileChoice {
+  Kind,          ///< internal memory or card
+  Number,        ///< number 0 is taken for internal memory, every other one for a card
+  NumberAsKind,  ///< number 1 is taken for internal memory, as its kind is 1, and number 0 for a card
+};
 
 /// The volumes as they stand on the command line.
 struct VolumeFolders {
   std::optional<std::string> internal;
   std::optional<std::string> card;
+  std::optional<std::string> profile{};  ///< file with the default folders; see `DefaultFoldersFile`
+  ProfileChoice profileChoice = ProfileChoice::Kind;
 
+  /// So that each volume gets its own folders, whatever the requests go by.
+  VolumeFolders profileBy(ProfileChoice choice) const {
+    VolumeFolders copy = *this;
+    copy.profileChoice = choice;
+    return copy;
+  }
   bool none() const { return !internal && !card; }
 };
 
@@ -27,12 +43,17 @@ class Device {
     std::string path;    ///< full path, no slash at its end
   };
 
-  /// Throws `Refusal` for a volume whose folder is not there. Without volumes it serves single folders.
-  explicit Device(const VolumeFolders& folders, std::shared_ptr<umsservice::ItemObserver> observer = nullptr);
+  /// Throws `Refusal` for a volume whose folder is not there and for a profile that makes no sense. Without
+  /// volumes it serves single folders.
+  Device(const VolumeFolders& folders, const Errand& errand,
+         std::shared_ptr<umsservice::ItemObserver> observer = nullptr);
 
   umsservice::UMSService& service() { return *service_; }
   umsservice::FileSystem& files() { return *environment_.fileSystem; }
   umsservice::NotificationCenter& notificationCenter() { return *environment_.notificationCenter; }
+
+  /// The tags of a file on it without its cover picture; nothing where they cannot be read.
+  umsservice::MaybeDictionary tagsOf(const std::string& path);
 
   const std::vector<Volume>& volumes() const { return volumes_; }
   /// Throws `Refusal` when no volume has that index.

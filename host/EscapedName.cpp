@@ -1,5 +1,8 @@
 #include "EscapedName.h"
 
+#include <utf8proc.h>
+
+#include <algorithm>
 #include <cstdio>
 
 #include "Utf8.h"
@@ -39,10 +42,15 @@ std::string escapedCodePoint(char32_t codePoint, std::string_view bytes) {
   return std::string(bytes);
 }
 
-/// Nothing below the first of the wide scripts is wide; above it, better one column too many than a broken
-/// line.
+/// Marks above letters take no column. What this table of characters does not know yet may be wide; better
+/// one column too many than a broken line, and so with the mark that turns a plain sign into a wide picture.
 size_t columnsOfCodePoint(char32_t codePoint) {
-  return codePoint < 0x1100 ? 1 : 2;
+  constexpr char32_t kAsPicture = 0xfe0f;
+  if (codePoint < 0x300) return 1;
+  if (codePoint == kAsPicture) return 1;
+  auto number = static_cast<utf8proc_int32_t>(codePoint);
+  if (utf8proc_category(number) == UTF8PROC_CATEGORY_CN) return 2;
+  return static_cast<size_t>(std::max(0, utf8proc_charwidth(number)));
 }
 
 }  // namespace
@@ -86,6 +94,20 @@ std::string shortened(const std::string& text, size_t columns) {
     at += step.length;
   }
   return text.substr(0, at) + std::string(kMark);
+}
+
+std::string shortenedAtFront(const std::string& text, size_t columns) {
+  constexpr std::string_view kMark = "...";
+  size_t left = columnsOf(text);
+  if (left <= columns) return text;
+  if (columns < kMark.size()) return std::string(columns, '.');
+  size_t at = 0;
+  while (left > columns - kMark.size()) {
+    Utf8Step step = utf8StepAt(text, at);
+    left -= columnsOfCodePoint(step.codePoint.value_or('?'));
+    at += step.length;
+  }
+  return std::string(kMark) + text.substr(at);
 }
 
 }  // namespace umsctl

@@ -12,8 +12,11 @@ namespace umsctl {
 std::string escaped(std::string_view text);
 
 /// The text cut to a number of terminal columns, with "..." where something is left out. Takes text that is
-/// already escaped. A character that might be wide counts as two columns, so the result never runs over.
+/// already escaped, in any script; the result never runs over.
 std::string shortened(const std::string& text, size_t columns);
+
+/// The same with the end kept: of a path, that tells more.
+std::string shortenedAtFront(const std::string& text, size_t columns);
 
 /// The columns that escaped text takes at most.
 size_t columnsOf(std::string_view text);

@@ -86,6 +86,11 @@ bool Interrupt::happened() const {
   return signalCount > 0;
 }
 
+void Interrupt::happen() {
+  int none = 0;
+  if (signalCount.compare_exchange_strong(none, 1)) wake();
+}
+
 int Interrupt::descriptor() const {
   return readDescriptor;
 }

@@ -20,6 +20,8 @@ class Interrupt {
   Interrupt& operator=(const Interrupt&) = delete;
 
   bool happened() const;
+  /// What a first interrupt would do; for a person who asks for the end in words. Nothing after a real one.
+  void happen();
   /// Becomes readable with the first interrupt and stays so; nobody reads from it. For use with `poll`.
   int descriptor() const;
   /// What the first interrupt does; runs on a thread of its own, or at once where it has come already.

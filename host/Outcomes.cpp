@@ -36,6 +36,13 @@ void Outcomes::itemCounted(const ItemOutcome& counted) {
   if (allCounted) allCounted();
 }
 
+void Outcomes::amend(const ItemOutcome& outcome) {
+  std::lock_guard lock(mutex_);
+  for (ItemOutcome& known : outcomes_) {
+    if (known.index == outcome.index) known = outcome;
+  }
+}
+
 std::vector<ItemOutcome> Outcomes::all() const {
   std::lock_guard lock(mutex_);
   auto sorted = outcomes_;

@@ -32,6 +32,9 @@ class Outcomes final : public umsservice::ItemObserver {
   void beginRequest(std::vector<size_t> positions, std::function<void()> allCounted);
   void itemCounted(const umsservice::ItemOutcome& outcome) override;
 
+  /// An item that was counted has turned out to have ended in another way.
+  void amend(const umsservice::ItemOutcome& outcome);
+
   /// In the order of the command's list.
   std::vector<umsservice::ItemOutcome> all() const;
   /// Unfinished copies that could not be removed, with the reason.

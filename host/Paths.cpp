@@ -23,6 +23,16 @@ std::string lastComponent(const std::string& path) {
   return trimmed.substr(trimmed.rfind('/') + 1);
 }
 
+std::string extensionOf(const std::string& path) {
+  std::string name = lastComponent(path);
+  size_t dot = name.rfind('.');
+  if (dot == std::string::npos) return "";
+  std::string extension = name.substr(dot + 1);
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return extension;
+}
+
 std::string inFolder(const std::string& folder, const std::string& name) {
   return folder + (folder.ends_with('/') ? "" : "/") + name;
 }

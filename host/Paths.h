@@ -15,6 +15,10 @@ std::string withoutTrailingSlashes(const std::string& path);
 /// What stands behind the last slash, slashes at the end not counted; empty for "/" and "".
 std::string lastComponent(const std::string& path);
 
+/// What stands behind the last dot of the last component, in small ASCII letters; empty where there is no
+/// dot.
+std::string extensionOf(const std::string& path);
+
 /// The path of something in a folder.
 std::string inFolder(const std::string& folder, const std::string& name);
 

@@ -1,15 +1,17 @@
-/// Shows a transfer while it runs: on a terminal one line that is drawn again and again (bar, percent, bytes,
-/// rate, time left, files, current name), elsewhere one line of standard output for each finished file.
+/// Tells of a transfer while it runs: on a terminal one line that is drawn again and again (bar, percent,
+/// bytes, rate, time left, files, current name), elsewhere each finished file; programs hear of both.
 ///
 /// Made by a `Transfer`, fed from the worker thread, closed from the main thread; safe from any thread.
 #pragma once
 
 #include <chrono>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <string>
 #include <vector>
 
+#include "Errand.h"
 #include "TransferManner.h"
 #include "TransferRate.h"
 #include "TransferTally.h"
@@ -19,9 +21,10 @@ namespace umsctl {
 
 class ProgressDisplay {
  public:
-  /// The size of each item in the order of the command; 0 where it is not known. The manner tells what a
-  /// finished file is said to be, and where such files are listed.
-  explicit ProgressDisplay(std::vector<uint64_t> sizes, const TransferManner& manner = {});
+  /// The name and the size of each item in the order of the command; 0 where a size is not known. The manner
+  /// tells what a finished file is said to be, and where such files are listed.
+  ProgressDisplay(const Errand& errand, std::vector<std::string> names, const std::vector<uint64_t>& sizes,
+                  const TransferManner& manner = {});
   /// Leaves no half-drawn line behind.
   ~ProgressDisplay();
   ProgressDisplay(const ProgressDisplay&) = delete;
@@ -36,6 +39,14 @@ class ProgressDisplay {
   /// Takes in a progress or an item result notification of the transfer.
   void hear(const umsservice::Notification& notification);
   void itemCounted(const umsservice::ItemOutcome& outcome);
+  /// The bar begins anew for reading back these items; then each of them is told of.
+  void beginVerifying(const std::vector<umsservice::ItemOutcome>& done);
+  void itemVerified(const umsservice::ItemOutcome& outcome, bool isSame);
+  /// Tells of an item that ended before or beside the transfer; a failure has its cause.
+  void tell(const umsservice::ItemOutcome& outcome, const std::string& cause = {},
+            std::optional<bool> isVerified = {});
+  /// Those that a dry run has found, in the order of the items.
+  std::vector<Clash> clashes() const;
   /// Runs something that writes to the terminal itself; the bar is out of the way meanwhile.
   void stepAside(const std::function<void()>& speak);
   /// Shows a phase without a measure in place of the bar, for example that the device is being flushed.
@@ -45,19 +56,25 @@ class ProgressDisplay {
 
  private:
   void hearProgress(const umsservice::Dictionary& userInfo);
-  void showFinished(const umsservice::ItemOutcome& outcome);
+  bool isVerifiedLater(const umsservice::ItemOutcome& outcome) const;
+  void tellProgress();
   void draw(bool always);
   void erase();
 
+  const Errand& errand_;
   const bool redraws_;  ///< the bar is drawn
-  const bool lists_;    ///< finished files are listed
   const TransferManner manner_;
-  std::recursive_mutex mutex_;
+  const std::vector<std::string> names_;
+  mutable std::recursive_mutex mutex_;
   TransferTally tally_;
   TransferRate rate_;
-  std::string currentName_;  ///< escaped
-  std::string tags_;         ///< of the item in hand, as they are shown
+  std::string currentName_;
+  std::string tags_;                        ///< of the item in hand, as they are shown
+  std::map<size_t, std::string> keptTags_;  ///< of items that are told of later
+  std::map<size_t, Clash> clashes_;
   std::chrono::steady_clock::time_point lastDrawn_;
+  std::chrono::steady_clock::time_point lastTold_;
+  bool isVerifying_ = false;
   bool isDrawn_ = false;
   bool isFinished_ = false;
 };

@@ -1,4 +1,5 @@
-/// Thrown where a command cannot go on; `main` shows it as "umsctl: PATH: cause" and ends with its status.
+/// Thrown where a command cannot go on; the command line tells it as "umsctl: PATH: cause" and ends with its
+/// status.
 #pragma once
 
 #include <stdexcept>

@@ -1,7 +1,5 @@
 #include "Subtitles.h"
 
-#include "Output.h"
-
 namespace umsctl {
 namespace {
 
@@ -23,19 +21,19 @@ std::string companionOf(const std::string& path) {
   return (hasExtension ? path.substr(0, dot) : path) + ".smi";
 }
 
-size_t reportLostSubtitles(Device& device, const ItemOutcome& outcome) {
+size_t reportLostSubtitles(Events& events, Device& device, const ItemOutcome& outcome) {
   if (!outcome.path || !outcome.destPath) return 0;
   std::string source = companionOf(*outcome.path);
   if (!isLost(device.files(), source, companionOf(*outcome.destPath))) return 0;
-  complain(source, "these subtitles could not be copied");
+  events.complained(source, "these subtitles could not be copied");
   return 1;
 }
 
-size_t reportKeptSubtitles(Device& device, const ItemOutcome& outcome) {
+size_t reportKeptSubtitles(Events& events, Device& device, const ItemOutcome& outcome) {
   std::string companion = companionOf(outcome.path.value_or(""));
   auto found = device.files().linkAttributes(companion);
   if (!found || found->type == umsservice::FileType::Directory) return 0;
-  complain(companion, "these subtitles could not be deleted");
+  events.complained(companion, "these subtitles could not be deleted");
   return 1;
 }
 

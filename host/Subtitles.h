@@ -2,6 +2,7 @@
 #pragma once
 
 #include "Device.h"
+#include "Events.h"
 #include "umsservice/ItemObserver.h"
 
 namespace umsctl {
@@ -9,11 +10,11 @@ namespace umsctl {
 /// "/films/trip.mp4" has its subtitles in "/films/trip.smi".
 std::string companionOf(const std::string& path);
 
-/// Names on standard error the ".smi" companion of a copied file when it is not beside the copy, and gives
+/// Names the ".smi" companion of a copied file when it is not beside the copy, and gives
 /// the number of such companions.
-size_t reportLostSubtitles(Device& device, const umsservice::ItemOutcome& outcome);
+size_t reportLostSubtitles(Events& events, Device& device, const umsservice::ItemOutcome& outcome);
 
 /// The same for one that is still there although its video has been deleted.
-size_t reportKeptSubtitles(Device& device, const umsservice::ItemOutcome& outcome);
+size_t reportKeptSubtitles(Events& events, Device& device, const umsservice::ItemOutcome& outcome);
 
 }  // namespace umsctl

@@ -2,11 +2,13 @@
 
 #include <numeric>
 
-#include "Output.h"
 #include "Paths.h"
+#include "Planning.h"
 #include "Refusal.h"
 #include "RunningRequest.h"
+#include "Subtitles.h"
 #include "TransferReport.h"
+#include "Verification.h"
 #include "umsservice/ErrorNumbers.h"
 
 namespace umsctl {
@@ -17,38 +19,44 @@ using umsservice::ItemOutcome;
 
 }  // namespace
 
-Transfer::Transfer(const VolumeFolders& volumes, const std::vector<std::string>& files, OnConflict onConflict,
+Transfer::Transfer(const Errand& errand, const VolumeFolders& volumes, const std::vector<std::string>& files,
                    const TransferManner& manner, const Objection& objection)
-    : manner_(manner),
-      contents_(*files_, files, objection),
-      display_(contents_.sizes, manner),
+    : errand_(errand),
+      manner_(manner),
+      contents_(*errand.files(), files, objection),
+      display_(errand, contents_.names, contents_.sizes, manner),
       outcomes_(std::make_shared<Outcomes>(
-          files_, [this](const ItemOutcome& outcome) { display_.itemCounted(outcome); })),
-      policy_(std::make_shared<ConflictPolicy>(onConflict, display_, interrupt_, manner.place)),
-      device_(volumes, outcomes_),
+          errand.files(), [this](const ItemOutcome& outcome) { display_.itemCounted(outcome); })),
+      policy_(std::make_shared<ConflictPolicy>(errand, display_, interrupt_, manner.place)),
+      device_(volumes, errand, outcomes_),
       takesSubtitles_(files.size(), true) {
   device_.service().setConfirmDelegate(policy_);
 }
 
-ExitStatus Transfer::run(const Queue& queue, const std::string& flushed) {
+void Transfer::begin(const std::vector<WrittenPlace>& written) {
+  if (!errand_.rehearsal()) errand_.events().planned(planOf(errand_, contents_.sizes, written));
+  display_.begin();
+}
+
+ExitStatus Transfer::run(const Queue& queue, const WrittenPlace& written) {
   std::vector<size_t> positions(contents_.names.size());
   std::iota(positions.begin(), positions.end(), size_t{0});
-  display_.begin();
+  begin({written});
   {
     InterruptAction cancelling(interrupt_, [this] { cancel(); });
     performRequest(positions, queue);
   }
-  return conclude({flushed});
+  return conclude({written});
 }
 
 ExitStatus Transfer::runByType(const Sort& sort, const QueueOfType& queue,
-                               const std::vector<std::string>& flushed) {
-  display_.begin();
+                               const std::vector<WrittenPlace>& written) {
+  begin(written);
   {
     InterruptAction cancelling(interrupt_, [this] { cancel(); });
     performAll(sortAll(sort), queue);
   }
-  return conclude(flushed);
+  return conclude(written);
 }
 
 void Transfer::performAll(const std::vector<Part>& parts, const QueueOfType& queue) {
@@ -128,8 +136,8 @@ void Transfer::performRequest(const std::vector<size_t>& positions, const Queue&
   noteCancel();
 }
 
-ExitStatus Transfer::runDirectly(const Direct& direct, const std::string& flushed) {
-  display_.begin();
+ExitStatus Transfer::runDirectly(const Direct& direct, const WrittenPlace& written) {
+  begin({written});
   if (contents_.objections.front().empty()) {
     InterruptAction cancelling(interrupt_, [] { answerInterrupt("cancelling"); });
     outcomes_->itemCounted(
@@ -141,19 +149,45 @@ ExitStatus Transfer::runDirectly(const Direct& direct, const std::string& flushe
     refused.kind = ItemOutcome::Kind::Failed;
     outcomes_->itemCounted(refused);
   }
-  return conclude({flushed});
+  return conclude({written});
 }
 
-ExitStatus Transfer::conclude(const std::vector<std::string>& flushed) {
+ExitStatus Transfer::conclude(const std::vector<WrittenPlace>& written) {
+  const bool isKept = errand_.rehearsal() || flushAll(written);
+  const auto mismatches = verify();
+  display_.finish();
+  ExitStatus status = report({errand_, device_, contents_, *outcomes_, display_},
+                             {manner_, takesSubtitles_, wasCancelled_, mismatches});
+  if (errand_.rehearsal())
+    errand_.events().planned(planOf(errand_, contents_.sizes, written, display_.clashes()));
+  return isKept || status != ExitStatus::AllDone ? status : ExitStatus::SomeFailed;
+}
+
+/// Only now: what is compared must have been on the device.
+std::map<size_t, std::string> Transfer::verify() {
+  if (!errand_.wishes().verifies || errand_.rehearsal()) return {};
+  InterruptAction cancelling(
+      interrupt_, wasCancelled_ ? std::function<void()>() : [] { answerInterrupt("cancelling"); });
+  auto subtitles = [this](const ItemOutcome& outcome) -> std::pair<std::string, std::string> {
+    if (manner_.subtitles != Subtitles::Travel || !takesSubtitles_.at(outcome.index)) return {};
+    std::string companion = companionOf(*outcome.path), copy = companionOf(*outcome.destPath);
+    // Those that did not come along are told by the report.
+    bool came = device_.files().exists(companion) && device_.files().exists(copy);
+    return came ? std::pair(companion, copy) : std::pair<std::string, std::string>();
+  };
+  auto mismatches = Verification(errand_, *outcomes_, display_, interrupt_).run(subtitles);
+  noteCancel();
+  return mismatches;
+}
+
+bool Transfer::flushAll(const std::vector<WrittenPlace>& written) {
   display_.announce("Waiting until the device has written everything...");
   bool isKept = true;
-  for (const std::string& folder : flushed) {
-    bool neverMade = outcomes_->count(ItemOutcome::Kind::Done) == 0 && !device_.files().exists(folder);
-    isKept = (neverMade || flush(folder)) && isKept;
+  for (const WrittenPlace& place : written) {
+    bool neverMade = outcomes_->count(ItemOutcome::Kind::Done) == 0 && !device_.files().exists(place.path);
+    isKept = (neverMade || flush(place.path)) && isKept;
   }
-  display_.finish();
-  ExitStatus status = report(device_, contents_, *outcomes_, {manner_, takesSubtitles_, wasCancelled_});
-  return isKept || status != ExitStatus::AllDone ? status : ExitStatus::SomeFailed;
+  return isKept;
 }
 
 /// Files that are only in the computer's memory are lost when the cable is pulled.
@@ -162,7 +196,8 @@ bool Transfer::flush(const std::string& folder) {
   InterruptAction waiting(interrupt_, wasCancelled_ ? std::function<void()>() : answer);
   auto flushed = device_.files().syncVolume(folder);
   if (flushed) return true;
-  display_.stepAside([&] { complain(folder, "it may not be written yet: " + flushed.error().words()); });
+  display_.stepAside(
+      [&] { errand_.events().complained(folder, "it may not be written yet: " + flushed.error().words()); });
   return false;
 }
 

@@ -14,13 +14,14 @@
 #include "Outcomes.h"
 #include "ProgressDisplay.h"
 #include "TransferManner.h"
+#include "WrittenPlace.h"
 
 namespace umsctl {
 
 class Transfer {
  public:
   /// Throws `Refusal` for a volume that is not there.
-  Transfer(const VolumeFolders& volumes, const std::vector<std::string>& files, OnConflict onConflict,
+  Transfer(const Errand& errand, const VolumeFolders& volumes, const std::vector<std::string>& files,
            const TransferManner& manner = {}, const Objection& objection = whyUnreadable);
 
   Device& device() { return device_; }
@@ -31,8 +32,8 @@ class Transfer {
   using Queue = std::function<bool(uint32_t serviceID, const umsservice::Array& contents)>;
 
   /// All files in one request. Queues, shows the progress, waits for the end, has the device keep what was
-  /// written below `flushed`, and reports.
-  ExitStatus run(const Queue& queue, const std::string& flushed);
+  /// written, compares it where that is wished for, and reports.
+  ExitStatus run(const Queue& queue, const WrittenPlace& written);
 
   /// How one file is to be asked for, or that it is not: then the outcome says why.
   struct Part {
@@ -52,13 +53,13 @@ class Transfer {
 
   /// The same where a request is of one media type: one request for each stretch of files of one type, in the
   /// order of the list. `sort` is asked about each file without an objection, before the first request.
-  ExitStatus runByType(const Sort& sort, const QueueOfType& queue, const std::vector<std::string>& flushed);
+  ExitStatus runByType(const Sort& sort, const QueueOfType& queue, const std::vector<WrittenPlace>& written);
 
   /// Moves the one file of the list by itself, on the calling thread. Asks `isWanted` in between; false stops
   /// the copy. `moved` hears the bytes so far.
   using Direct = std::function<umsservice::ItemOutcome(const std::function<bool()>& isWanted,
                                                        const std::function<void(uint64_t)>& moved)>;
-  ExitStatus runDirectly(const Direct& direct, const std::string& flushed);
+  ExitStatus runDirectly(const Direct& direct, const WrittenPlace& written);
 
   /// Called with each outcome, besides what every transfer does about unfinished copies; before any request.
   void setCleaner(Outcomes::Cleaner cleaner) { outcomes_->setCleaner(std::move(cleaner)); }
@@ -69,11 +70,14 @@ class Transfer {
   bool noteCancel();
   void performRequest(const std::vector<size_t>& positions, const Queue& queue);
   std::vector<Part> sortAll(const Sort& sort);
-  ExitStatus conclude(const std::vector<std::string>& flushed);
+  void begin(const std::vector<WrittenPlace>& written);
+  ExitStatus conclude(const std::vector<WrittenPlace>& written);
+  std::map<size_t, std::string> verify();
+  bool flushAll(const std::vector<WrittenPlace>& written);
   bool flush(const std::string& folder);
 
   // In the order of need: the service goes first, then what its worker may still be calling.
-  const std::shared_ptr<umsservice::FileSystem> files_ = umsservice::posixFileSystem();
+  const Errand& errand_;
   const TransferManner manner_;
   const Contents contents_;
   ProgressDisplay display_;

@@ -1,72 +1,105 @@
 #include "TransferReport.h"
 
-#include "Amounts.h"
+#include <algorithm>
+#include <set>
+
 #include "Causes.h"
-#include "Output.h"
+#include "Planning.h"
 #include "Subtitles.h"
 #include "umsservice/ErrorNumbers.h"
 
 namespace umsctl {
-namespace {
 
 using umsservice::ItemOutcome;
 using Kind = ItemOutcome::Kind;
 
-std::string countText(size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what;
+namespace {
+
+std::string causeFor(const ReportedParts& parts, const ReportedRun& run, const ItemOutcome& outcome) {
+  if (auto mismatch = run.mismatches.find(outcome.index); mismatch != run.mismatches.end())
+    return mismatch->second;
+  const std::string& objection = parts.contents.objections.at(outcome.index);
+  return objection.empty() ? causeOf(parts.device, outcome, run.manner.folder) : objection;
 }
 
-/// What a person cancelled needs no list.
-bool isFailure(const ItemOutcome& outcome) {
-  if (outcome.kind == Kind::NotReached) return !umsservice::isStopCode(outcome.errorNumber);
-  return outcome.kind == Kind::Failed;
-}
-
-/// Names each item that is not on the device although it should be, and gives their number.
-size_t reportFailures(Device& device, const Contents& contents, const Outcomes& outcomes,
-                      const char* folder) {
-  size_t failures = 0;
-  for (const ItemOutcome& outcome : outcomes.all()) {
-    if (!isFailure(outcome)) continue;
-    ++failures;
-    std::string objection = contents.objections.at(outcome.index);
-    complain(contents.names.at(outcome.index),
-             objection.empty() ? causeOf(device, outcome, folder) : objection);
+/// Tells of each item that is not on the device although it should be, and of those that nobody got to.
+void reportFailures(const ReportedParts& parts, const ReportedRun& run) {
+  for (ItemOutcome& outcome : parts.outcomes.all()) {
+    if (outcome.kind == Kind::Done || outcome.kind == Kind::Skipped) continue;
+    const std::string cause = isFailure(outcome) ? causeFor(parts, run, outcome) : "";
+    if (!outcome.path) outcome.path = parts.contents.paths.at(outcome.index);  // never handed to the service
+    parts.display.tell(outcome, cause);
   }
-  for (const auto& leftover : outcomes.leftovers())
-    complain(leftover.path, "an unfinished copy stays there: " + leftover.words());
-  return failures;
+  for (ItemOutcome& outcome : neverCounted(parts.outcomes, parts.contents.names.size())) {
+    outcome.path = parts.contents.paths.at(outcome.index);
+    parts.display.tell(outcome);
+  }
+  for (const auto& leftover : parts.outcomes.leftovers())
+    parts.errand.events().complained(leftover.path, "an unfinished copy stays there: " + leftover.words());
 }
 
 /// Subtitles ride along uncounted; those that did not are told here.
-size_t reportSubtitles(Device& device, const Outcomes& outcomes, const ReportedRun& run) {
+size_t reportSubtitles(const ReportedParts& parts, const ReportedRun& run) {
   size_t wrong = 0;
-  for (const ItemOutcome& outcome : outcomes.all()) {
+  for (const ItemOutcome& outcome : parts.outcomes.all()) {
     if (outcome.kind != Kind::Done || !run.takesSubtitles.at(outcome.index)) continue;
-    if (run.manner.subtitles == Subtitles::Travel) wrong += reportLostSubtitles(device, outcome);
-    if (run.manner.subtitles == Subtitles::AreRemoved) wrong += reportKeptSubtitles(device, outcome);
+    if (run.manner.subtitles == Subtitles::Travel)
+      wrong += reportLostSubtitles(parts.errand.events(), parts.device, outcome);
+    if (run.manner.subtitles == Subtitles::AreRemoved)
+      wrong += reportKeptSubtitles(parts.errand.events(), parts.device, outcome);
   }
   return wrong;
 }
 
 }  // namespace
 
-ExitStatus report(Device& device, const Contents& contents, const Outcomes& outcomes,
-                  const ReportedRun& run) {
-  size_t failures = reportFailures(device, contents, outcomes, run.manner.folder);
-  size_t wrongSubtitles = reportSubtitles(device, outcomes, run);
-  size_t done = outcomes.count(Kind::Done);
-  size_t skipped = outcomes.count(Kind::Skipped);
-  size_t notReached = contents.names.size() - done - skipped - failures;
+bool isFailure(const ItemOutcome& outcome) {
+  if (outcome.kind == Kind::NotReached) return !umsservice::isStopCode(outcome.errorNumber);
+  return outcome.kind == Kind::Failed;
+}
 
-  std::string counts = run.wasCancelled ? "cancelled: " : "";
-  counts += countText(done, run.manner.done) + " (" + byteText(outcomes.doneBytes()) + ")";
-  if (skipped > 0) counts += ", " + countText(skipped, "skipped");
-  if (failures > 0) counts += ", " + countText(failures, "failed");
-  if (notReached > 0) counts += ", " + countText(notReached, std::string("not ") + run.manner.done);
-  print(counts + "\n");
-  if (run.wasCancelled) return ExitStatus::Cancelled;
-  return failures + wrongSubtitles + notReached > 0 ? ExitStatus::SomeFailed : ExitStatus::AllDone;
+std::vector<ItemOutcome> neverCounted(const Outcomes& outcomes, size_t items) {
+  std::set<size_t> counted;
+  for (const ItemOutcome& outcome : outcomes.all()) counted.insert(outcome.index);
+  std::vector<ItemOutcome> missing;
+  for (size_t i = 0; i < items; ++i) {
+    if (counted.count(i) > 0) continue;
+    missing.emplace_back().index = i;
+    missing.back().kind = Kind::NotReached;
+    missing.back().errorNumber = umsservice::kErrorStopped;
+  }
+  return missing;
+}
+
+Counts countsOf(const Errand& errand, const Outcomes& outcomes, const TransferManner& manner, size_t items) {
+  Counts counts;
+  counts.done = manner.done;
+  counts.planned = manner.planned;
+  counts.bytes = outcomes.doneBytes();
+  for (const ItemOutcome& outcome : outcomes.all()) {
+    if (outcome.kind == Kind::Done) ++counts.doneItems;
+    if (outcome.kind == Kind::Skipped)
+      ++(clashOf(errand, outcome) == ClashAction::Ask ? counts.asked : counts.skipped);
+    if (isFailure(outcome)) ++counts.failed;
+  }
+  const size_t ended = counts.doneItems + counts.skipped + counts.asked + counts.failed;
+  counts.notReached = items - std::min(items, ended);
+  return counts;
+}
+
+ExitStatus statusOf(const Counts& counts) {
+  if (counts.wasCancelled) return ExitStatus::Cancelled;
+  return counts.failed + counts.notReached > 0 ? ExitStatus::SomeFailed : ExitStatus::AllDone;
+}
+
+ExitStatus report(const ReportedParts& parts, const ReportedRun& run) {
+  reportFailures(parts, run);
+  size_t wrongSubtitles = reportSubtitles(parts, run);
+  Counts counts = countsOf(parts.errand, parts.outcomes, run.manner, parts.contents.names.size());
+  counts.wasCancelled = run.wasCancelled;
+  parts.errand.events().counted(counts);
+  ExitStatus status = statusOf(counts);
+  return wrongSubtitles > 0 && status == ExitStatus::AllDone ? ExitStatus::SomeFailed : status;
 }
 
 }  // namespace umsctl

@@ -39,8 +39,8 @@ class TransferTally {
 
   uint64_t sizeInHand() const;
 
-  const std::vector<uint64_t> sizes_;
-  const uint64_t totalBytes_;
+  std::vector<uint64_t> sizes_;
+  uint64_t totalBytes_;
   std::vector<size_t> positions_;  ///< of the request's items; empty for the whole list
   uint64_t requestBytes_;
   size_t counted_ = 0;

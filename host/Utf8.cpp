@@ -33,4 +33,13 @@ Utf8Step utf8StepAt(std::string_view text, size_t at) {
   return {codePoint, lead->length};
 }
 
+bool isUtf8(std::string_view text) {
+  for (size_t at = 0; at < text.size();) {
+    Utf8Step step = utf8StepAt(text, at);
+    if (!step.codePoint) return false;
+    at += step.length;
+  }
+  return true;
+}
+
 }  // namespace umsctl

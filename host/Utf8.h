@@ -18,4 +18,7 @@ struct Utf8Step {
 /// are not valid.
 Utf8Step utf8StepAt(std::string_view text, size_t at);
 
+/// Whether all of the text is valid UTF-8.
+bool isUtf8(std::string_view text);
+
 }  // namespace umsctl

@@ -7,9 +7,9 @@
 #include <exception>
 #include <system_error>
 
-#include "CommandLine.h"
 #include "Output.h"
-#include "Refusal.h"
+#include "TagProcess.h"
+#include "line/CommandLine.h"
 
 namespace {
 
@@ -18,9 +18,6 @@ using umsctl::ExitStatus;
 ExitStatus runGuarded(const std::vector<std::string>& arguments) {
   try {
     return umsctl::runCommandLine(arguments);
-  } catch (const umsctl::Refusal& refusal) {
-    umsctl::complain(refusal.subject(), refusal.what());
-    return refusal.exitStatus();
   } catch (const std::exception& failure) {
     umsctl::complain("", failure.what());
     return ExitStatus::SomeFailed;
@@ -49,6 +46,7 @@ int main(int argc, char** argv) {
   occupyStandardStreams();
   // A reader that goes away must not end a transfer halfway.
   std::signal(SIGPIPE, SIG_IGN);
+  umsctl::TagProcess::start();
   std::vector<std::string> arguments(argv + (argc > 0 ? 1 : 0), argv + argc);
   return static_cast<int>(withOutputChecked(runGuarded(arguments)));
 }

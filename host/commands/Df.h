@@ -11,6 +11,6 @@ struct DfOptions {
   bool inBytes = false;  ///< plain numbers, for scripts
 };
 
-ExitStatus df(const DfOptions& options);
+ExitStatus df(const DfOptions& options, const Errand& errand);
 
 }  // namespace umsctl

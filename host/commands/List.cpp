@@ -1,14 +1,17 @@
 #include "commands/List.h"
 
 #include <algorithm>
-#include <map>
 
 #include "Amounts.h"
+#include "Colour.h"
 #include "EscapedName.h"
-#include "Output.h"
+#include "LongListing.h"
 #include "Paths.h"
+#include "PhaseLine.h"
+#include "ShownTags.h"
 #include "Terminal.h"
 #include "VolumeBounds.h"
+#include "VolumeHeadline.h"
 #include "umsservice/Notifications.h"
 
 namespace umsctl {
@@ -16,15 +19,21 @@ namespace {
 
 using namespace umsservice;
 
-struct Listed {
-  std::string path;
-  uint64_t size = 0;
-  MaybeDictionary tags;
-};
-
 constexpr const char* kWords[] = {"", "music", "image", "video", "podcast"};
-/// In the order of the columns.
-constexpr const char* kTags[] = {"Title", "Artist", "Album", "Genre", "TrackNumber", "Year", "Duration"};
+/// In the order of the fields.
+constexpr ShownTag kFields[] = {ShownTag::Title,       ShownTag::Artist, ShownTag::Album,    ShownTag::Genre,
+                                ShownTag::TrackNumber, ShownTag::Year,   ShownTag::Duration, ShownTag::Pixels,
+                                ShownTag::DateTaken,   ShownTag::Camera, ShownTag::Codecs};
+/// What a person is shown of them in a line.
+constexpr ShownTag kForEyes[] = {ShownTag::Title,  ShownTag::Artist,    ShownTag::Album,  ShownTag::Duration,
+                                 ShownTag::Pixels, ShownTag::DateTaken, ShownTag::Camera, ShownTag::Codecs};
+/// In the order of the fields that programs get.
+constexpr const char* kTags[] = {"Title",  "Artist",     "Album",     "Genre",  "TrackNumber",
+                                 "Year",   "Duration",   "Width",     "Height", "DateTaken",
+                                 "Camera", "VideoCodec", "AudioCodec"};
+constexpr const char* kTagFields[] = {"title",  "artist",      "album",      "genre",  "track",
+                                      "year",   "seconds",     "width",      "height", "taken",
+                                      "camera", "video_codec", "audio_codec"};
 
 std::vector<Dictionary> dictionariesOf(const MaybeArray& array) {
   std::vector<Dictionary> dictionaries;
@@ -35,23 +44,20 @@ std::vector<Dictionary> dictionariesOf(const MaybeArray& array) {
   return dictionaries;
 }
 
-std::string tagText(const MaybeDictionary& tags, const char* name) {
-  if (!tags || !tags->contains(name)) return "";
-  if (auto text = tags->string(name)) return escaped(*text);
-  uint32_t number = tags->get(name).unsignedIntValue();
-  return std::string_view(name) == "Duration" ? durationText(number) : std::to_string(number);
-}
-
 class Listing {
  public:
-  Listing(Device& device, const ListOptions& options)
-      : device_(device), options_(options), bounds_(options.volumes), forEyes_(outputIsTerminal()) {}
+  Listing(const Errand& errand, Device& device, const ListOptions& options)
+      : events_(errand.events()),
+        device_(device),
+        options_(options),
+        bounds_(options.volumes),
+        forEyes_(options.isLong || outputIsTerminal()),
+        isTable_(options.isLong && !errand.wishes().json) {}
 
   void show(const Device::Volume& volume) {
     auto readable = device_.files().list(volume.path);
     if (!readable) return tellUnreadable(volume.path, readable.error());
-    if (forEyes_)
-      print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
+    events_.shown(volumeHeadline(volume, forEyes_));
     for (uint32_t mediaType : std::vector<uint32_t>{kMediaMusic, kMediaImage, kMediaVideo, kMediaPodcast}) {
       if (options_.mediaType == 0 || options_.mediaType == mediaType) showType(volume, mediaType);
     }
@@ -60,7 +66,8 @@ class Listing {
 
   void showTotal() const {
     if (!forEyes_) return;
-    print(std::to_string(count_) + (count_ == 1 ? " file" : " files") + ", " + byteText(bytes_) + "\n");
+    events_.remarked(std::to_string(count_) + (count_ == 1 ? " file" : " files") + ", " + byteText(bytes_) +
+                     "\n");
   }
 
   bool everythingWasRead() const { return everythingWasRead_; }
@@ -70,33 +77,51 @@ class Listing {
     auto files = mediaType == kMediaPodcast ? episodes(volume.index) : media(volume.index, mediaType);
     std::sort(files.begin(), files.end(),
               [](const Listed& left, const Listed& right) { return comesBefore(left.path, right.path); });
-    constexpr size_t kWorthWriting = 64 * 1024;
-    std::string text;
+    readTags(files);
+    for (const Listed& file : files) bytes_ += file.size;
+    count_ += files.size();
+    if (isTable_)
+      return events_.remarked(longListing(mediaType, files, volume.path, outputColumns(), outputHasColour()));
     for (const Listed& file : files) {
-      text += forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
-      ++count_;
-      bytes_ += file.size;
-      if (text.size() < kWorthWriting) continue;
-      print(text);
-      text.clear();
+      std::string line = forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
+      events_.shown({line, "file", fieldsOf(volume, mediaType, file)});
     }
-    print(text);
   }
 
-  /// The listing of names has every file, that with tags only those whose tags can be read.
-  std::vector<Listed> media(uint32_t diskIndex, uint32_t mediaType) {
-    std::map<std::string, Dictionary> tags;
-    if (options_.tags) {
-      for (Dictionary& file : dictionariesOf(device_.service().fileInformationList(0, mediaType, diskIndex)))
-        tags.emplace(file.string(key::kFilePath).value_or(""), file);
+  static std::vector<std::pair<const char*, Shown::Field>> fieldsOf(const Device::Volume& volume,
+                                                                    uint32_t mediaType, const Listed& file) {
+    std::vector<std::pair<const char*, Shown::Field>> fields{{"volume", uint64_t{volume.index}},
+                                                             {"type", std::string(kWords[mediaType])},
+                                                             {"bytes", file.size},
+                                                             {"path", file.path}};
+    for (size_t i = 0; file.tags && i < std::size(kTags); ++i) {
+      if (!file.tags->contains(kTags[i])) continue;
+      if (auto text = file.tags->string(kTags[i])) {
+        fields.emplace_back(kTagFields[i], *text);
+      } else {
+        fields.emplace_back(kTagFields[i], uint64_t{file.tags->get(kTags[i]).unsignedIntValue()});
+      }
     }
+    return fields;
+  }
+
+  std::vector<Listed> media(uint32_t diskIndex, uint32_t mediaType) {
     std::vector<Listed> files;
     for (const Dictionary& file :
-         dictionariesOf(device_.service().fileNameListWithFolderStructure(0, mediaType, diskIndex))) {
-      auto found = tags.find(file.string(key::kFilePath).value_or(""));
-      add(files, file, found == tags.end() ? MaybeDictionary() : found->second);
-    }
+         dictionariesOf(device_.service().fileNameListWithFolderStructure(0, mediaType, diskIndex)))
+      add(files, file, std::nullopt);
     return files;
+  }
+
+  /// File by file, and not with the service's listing: that may take minutes on a full device, in which
+  /// nothing could be shown, and it leaves out the files whose tags cannot be read.
+  void readTags(std::vector<Listed>& files) {
+    if (!options_.tags && !options_.isLong) return;
+    PhaseLine phase;
+    for (size_t i = 0; i < files.size(); ++i) {
+      phase.step("Reading tags", i, files.size());
+      if (!files[i].tags) files[i].tags = device_.tagsOf(files[i].path);
+    }
   }
 
   std::vector<Listed> episodes(uint32_t diskIndex) {
@@ -109,7 +134,7 @@ class Listing {
         Dictionary tags;
         if (auto title = episode.string("Title")) tags.set("Title", *title);
         if (auto name = channel.string("Title")) tags.set("Album", *name);
-        add(files, episode, options_.tags ? MaybeDictionary(tags) : std::nullopt);
+        add(files, episode, tags);
       }
     }
     return files;
@@ -126,20 +151,20 @@ class Listing {
     std::string line =
         std::string(kWords[mediaType]) + "\t" + std::to_string(file.size) + "\t" + escaped(file.path);
     if (options_.tags) {
-      for (const char* name : kTags) line += "\t" + tagText(file.tags, name);
+      for (ShownTag field : kFields) line += "\t" + shownTag(file.tags, field);
     }
     return line + "\n";
   }
 
-  static std::string lineForEyes(const Device::Volume& volume, uint32_t mediaType, const Listed& file) {
+  std::string lineForEyes(const Device::Volume& volume, uint32_t mediaType, const Listed& file) const {
     std::string word = kWords[mediaType];
     std::string size = byteText(file.size);
     std::string line = "  " + word + std::string(9 - word.size(), ' ') +
                        std::string(size.size() < 8 ? 8 - size.size() : 0, ' ') + size + "  " +
                        escaped(file.path.substr(std::min(file.path.size(), volume.path.size() + 1)));
     std::string tags;
-    for (const char* name : {"Title", "Artist", "Album", "Duration"}) {
-      std::string text = tagText(file.tags, name);
+    for (ShownTag tag : kForEyes) {
+      std::string text = options_.tags ? shownTag(file.tags, tag) : "";
       if (!text.empty()) tags += (tags.empty() ? "" : ", ") + text;
     }
     return line + (tags.empty() ? "" : "  (" + tags + ")") + "\n";
@@ -160,13 +185,15 @@ class Listing {
 
   void tellUnreadable(const std::string& path, const FileError& error) {
     everythingWasRead_ = false;
-    complain(path, error.words());
+    events_.complained(path, error.words());
   }
 
+  Events& events_;
   Device& device_;
   const ListOptions& options_;
   const VolumeBounds bounds_;
   const bool forEyes_;
+  const bool isTable_;
   size_t count_ = 0;
   uint64_t bytes_ = 0;
   bool everythingWasRead_ = true;
@@ -174,9 +201,9 @@ class Listing {
 
 }  // namespace
 
-ExitStatus listMedia(const ListOptions& options) {
-  Device device(options.volumes);
-  Listing listing(device, options);
+ExitStatus listMedia(const ListOptions& options, const Errand& errand) {
+  Device device(options.volumes, errand);
+  Listing listing(errand, device, options);
   for (const Device::Volume& volume : device.volumes()) listing.show(volume);
   listing.showTotal();
   return listing.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;

@@ -4,8 +4,8 @@
 
 #include "Amounts.h"
 #include "EscapedName.h"
-#include "Output.h"
 #include "Paths.h"
+#include "VolumeHeadline.h"
 #include "podcast/PodcastShelf.h"
 #include "podcast/ShownFields.h"
 #include "umsservice/Notifications.h"
@@ -15,34 +15,39 @@ namespace {
 
 using umsservice::Dictionary;
 
-std::string episodeLine(Device& device, const Dictionary& episode) {
+Shown shownEpisode(Device& device, const Dictionary& episode) {
   const std::string path = episode.string(umsservice::key::kFilePath).value_or("");
   const std::string title = episode.string("Title").value_or(lastComponent(path));
+  const std::string date = episode.string("PublishDate").value_or("");
+  const std::string duration = episode.string("Duration").value_or("");
+  const uint64_t size = device.service().fileSizeAtDevice(path);
   char columns[64];
-  std::snprintf(columns, sizeof columns, "    %-10s  %8s  %9s  ",
-                shownDate(episode.string("PublishDate").value_or("")).c_str(),
-                shownDuration(episode.string("Duration").value_or("")).c_str(),
-                byteText(device.service().fileSizeAtDevice(path)).c_str());
-  return columns + escaped(title) + "  (" + escaped(lastComponent(path)) + ")\n";
+  std::snprintf(columns, sizeof columns, "    %-10s  %8s  %9s  ", shownDate(date).c_str(),
+                shownDuration(duration).c_str(), byteText(size).c_str());
+  return {columns + escaped(title) + "  (" + escaped(lastComponent(path)) + ")\n",
+          "episode",
+          {{"title", title}, {"path", path}, {"bytes", size}, {"published", date}, {"duration", duration}}};
 }
 
-void show(Device& device, const ShelvedChannel& channel) {
+void show(Events& events, Device& device, const ShelvedChannel& channel) {
   const size_t count = channel.episodes.size();
   std::string line = "  " + escaped(channel.title);
   if (channel.name != channel.title) line += "  [" + escaped(channel.name) + "]";
-  print(line + "  " + std::to_string(count) + (count == 1 ? " episode" : " episodes") + "\n");
-  for (const Dictionary& episode : channel.episodes) print(episodeLine(device, episode));
+  line += "  " + std::to_string(count) + (count == 1 ? " episode" : " episodes") + "\n";
+  events.shown(
+      {line, "channel", {{"title", channel.title}, {"path", channel.folder}, {"episodes", uint64_t{count}}}});
+  for (const Dictionary& episode : channel.episodes) events.shown(shownEpisode(device, episode));
 }
 
 }  // namespace
 
-ExitStatus podcastList(const VolumeFolders& volumes) {
-  Device device(volumes);
+ExitStatus podcastList(const VolumeFolders& volumes, const Errand& errand) {
+  Device device(volumes, errand);
   bool everythingWasRead = true;
   for (const Device::Volume& volume : device.volumes()) {
-    print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
-    PodcastShelf shelf(device, volume);
-    for (const ShelvedChannel& channel : shelf.channels()) show(device, channel);
+    errand.events().shown(volumeHeadline(volume));
+    PodcastShelf shelf(errand, device, volume);
+    for (const ShelvedChannel& channel : shelf.channels()) show(errand.events(), device, channel);
     everythingWasRead = everythingWasRead && shelf.everythingWasRead();
   }
   return everythingWasRead ? ExitStatus::AllDone : ExitStatus::SomeFailed;

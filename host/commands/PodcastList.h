@@ -6,6 +6,6 @@
 
 namespace umsctl {
 
-ExitStatus podcastList(const VolumeFolders& volumes);
+ExitStatus podcastList(const VolumeFolders& volumes, const Errand& errand);
 
 }  // namespace umsctl

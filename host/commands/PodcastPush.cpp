@@ -10,9 +10,9 @@ using umsservice::kMediaPodcast;
 
 /// Episodes from the computer on their way to a device.
 struct Pushing {
-  explicit Pushing(const PodcastPushOptions& options)
-      : transfer(options.volumes, episodeItems(*umsservice::posixFileSystem(), links, options.input),
-                 options.onConflict),
+  Pushing(const PodcastPushOptions& options, const Errand& errand, ProfileChoice choice)
+      : links(errand),
+        transfer(errand, options.volumes.profileBy(choice), episodeItems(errand, links, options.input)),
         questions(std::make_shared<LinkedQuestions>(transfer.policy(), links)) {
     transfer.device().service().setConfirmDelegate(questions);
   }
@@ -24,28 +24,26 @@ struct Pushing {
 
 }  // namespace
 
-ExitStatus podcastPush(const PodcastPushOptions& options) {
-  Pushing pushing(options);
+ExitStatus podcastPush(const PodcastPushOptions& options, const Errand& errand) {
+  Pushing pushing(options, errand, ProfileChoice::Kind);
   PodcastTransfer& transfer = pushing.transfer;
   const Device::Volume& target = transfer.device().volume(options.to);
   auto queue = [&](uint32_t serviceID, const Array& channels) {
     return transfer.device().service().copyContentsMacToDevice(serviceID, channels, kMediaPodcast,
                                                                target.index);
   };
-  return transfer.run(queue, {target.path});
+  return transfer.run(queue, {writtenVolume(target)});
 }
 
-ExitStatus podcastSync(const PodcastPushOptions& options) {
-  Pushing pushing(options);
+ExitStatus podcastSync(const PodcastPushOptions& options, const Errand& errand) {
+  Pushing pushing(options, errand, ProfileChoice::Number);
   PodcastTransfer& transfer = pushing.transfer;
   Device& device = transfer.device();
   const bool isStartInternal = device.volume(options.to).kind == "internal";
   auto queue = [&](uint32_t serviceID, const Array& channels) {
     return device.service().syncContents(serviceID, channels, kMediaPodcast, isStartInternal);
   };
-  std::vector<std::string> flushed;
-  for (const Device::Volume& volume : device.volumes()) flushed.push_back(volume.path);
-  return transfer.run(queue, flushed);
+  return transfer.run(queue, writtenVolumes(device));
 }
 
 }  // namespace umsctl

@@ -2,7 +2,6 @@
 /// or to whichever has room.
 #pragma once
 
-#include "ConflictPolicy.h"
 #include "Device.h"
 #include "ExitStatus.h"
 #include "podcast/EpisodeItems.h"
@@ -12,11 +11,10 @@ namespace umsctl {
 struct PodcastPushOptions {
   VolumeFolders volumes;
   uint32_t to = 0;  ///< index of the volume; for sync the one to begin with
-  OnConflict onConflict = OnConflict::NotSaid;
   PodcastInput input;
 };
 
-ExitStatus podcastPush(const PodcastPushOptions& options);
-ExitStatus podcastSync(const PodcastPushOptions& options);
+ExitStatus podcastPush(const PodcastPushOptions& options, const Errand& errand);
+ExitStatus podcastSync(const PodcastPushOptions& options, const Errand& errand);
 
 }  // namespace umsctl

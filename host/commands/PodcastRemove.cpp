@@ -10,8 +10,10 @@
 #include "Outcomes.h"
 #include "Output.h"
 #include "Paths.h"
+#include "Planning.h"
 #include "Refusal.h"
 #include "Terminal.h"
+#include "TransferReport.h"
 #include "podcast/EpisodeReport.h"
 #include "podcast/PodcastShelf.h"
 #include "umsservice/Notifications.h"
@@ -62,8 +64,9 @@ Dictionary requested(Device& device, const ShelvedChannel& channel, const std::v
   return podcast;
 }
 
-bool agrees(const PodcastRemoveOptions& options, const ShelvedChannel& channel, size_t count) {
-  if (options.isAgreed) return true;
+bool agrees(const PodcastRemoveOptions& options, const Errand& errand, const ShelvedChannel& channel,
+            size_t count) {
+  if (errand.wishes().isAgreed || errand.rehearsal()) return true;
   if (!canAsk())
     throw Refusal(ExitStatus::SomeFailed, channel.title,
                   "nothing is deleted; --yes deletes without a question");
@@ -75,23 +78,32 @@ bool agrees(const PodcastRemoveOptions& options, const ShelvedChannel& channel, 
   return answer == "y" || answer == "Y" || answer == "yes";
 }
 
-void showDeleted(const ItemOutcome& outcome) {
-  if (outcome.kind == Kind::Done) print("deleted  " + escaped(outcome.path.value_or("")) + "\n");
+/// Each is listed, on a terminal too: there is no bar.
+const TransferManner kManner{.done = "deleted", .planned = "delete", .tellsPlaces = true};
+
+void tell(const Errand& errand, const ItemOutcome& outcome, const std::string& cause) {
+  errand.events().itemEnded({outcome, kManner, outcome.path.value_or(""), cause, "", {}, {}});
 }
 
-ExitStatus reported(Device& device, const Outcomes& outcomes, bool isDone, bool wasCancelled) {
-  size_t failures = 0;
+ExitStatus reported(const Errand& errand, Device& device, const Outcomes& outcomes, bool isDone,
+                    bool wasCancelled) {
   for (const ItemOutcome& outcome : outcomes.all()) {
-    if (complainAbout(device, outcome.path.value_or(""), "", outcome)) ++failures;
+    if (outcome.kind != Kind::Done)
+      tell(errand, outcome, isFailure(outcome) ? causeOfEpisode(device, outcome) : "");
   }
-  size_t done = outcomes.count(Kind::Done);
-  size_t notReached = outcomes.all().size() - done - failures;
-  std::string counts = (wasCancelled ? "cancelled: " : "") + std::to_string(done) + " deleted";
-  if (failures > 0) counts += ", " + std::to_string(failures) + " failed";
-  if (notReached > 0) counts += ", " + std::to_string(notReached) + " not deleted";
-  print(counts + "\n");
-  if (wasCancelled) return ExitStatus::Cancelled;
-  return isDone && failures + notReached == 0 ? ExitStatus::AllDone : ExitStatus::SomeFailed;
+  Counts counts = countsOf(errand, outcomes, kManner, outcomes.all().size());
+  counts.bytes.reset();
+  counts.wasCancelled = wasCancelled;
+  errand.events().counted(counts);
+  ExitStatus status = statusOf(counts);
+  return isDone || status != ExitStatus::AllDone ? status : ExitStatus::SomeFailed;
+}
+
+std::vector<uint64_t> sizesOf(Device& device, const Dictionary& podcast) {
+  std::vector<uint64_t> sizes;
+  for (const Value& episode : podcast.get("children").array()->snapshot())
+    sizes.push_back(device.service().fileSizeAtDevice(pathOf(*episode.dictionary())));
+  return sizes;
 }
 
 /// On the calling thread: a queued request deletes from the first volume only.
@@ -111,34 +123,43 @@ bool removed(Device& device, const Device::Volume& volume, const std::string& po
   return device.service().doDeletePodcastContents(request);
 }
 
-bool flushed(Device& device, const Device::Volume& volume) {
+bool flushed(const Errand& errand, Device& device, const Device::Volume& volume) {
   auto flushed = device.files().syncVolume(volume.path);
-  if (!flushed) complain(volume.path, "it may not be written yet: " + flushed.error().words());
+  if (!flushed)
+    errand.events().complained(volume.path, "it may not be written yet: " + flushed.error().words());
   return static_cast<bool>(flushed);
 }
 
 }  // namespace
 
-ExitStatus podcastRemove(const PodcastRemoveOptions& options) {
-  auto outcomes = std::make_shared<Outcomes>(posixFileSystem(), showDeleted);
-  Device device(options.volumes, outcomes);
+ExitStatus podcastRemove(const PodcastRemoveOptions& options, const Errand& errand) {
+  auto showDeleted = [&errand](const ItemOutcome& outcome) {
+    if (outcome.kind == Kind::Done) tell(errand, outcome, "");
+  };
+  auto outcomes = std::make_shared<Outcomes>(errand.files(), showDeleted);
+  Device device(options.volumes, errand, outcomes);
   const Device::Volume& volume = device.volume(options.on);
-  const PodcastShelf shelf(device, volume);
+  const PodcastShelf shelf(errand, device, volume);
   const ShelvedChannel& channel = shelf.channel(options.channel);
   const Dictionary podcast = requested(device, channel, options.episodes);
-  if (!agrees(options, channel, podcast.get("children").array()->count())) {
-    print("nothing deleted\n");
+  if (!agrees(options, errand, channel, podcast.get("children").array()->count())) {
+    errand.events().remarked("nothing deleted\n");
     return ExitStatus::AllDone;
   }
+  const std::vector<uint64_t> sizes = sizesOf(device, podcast);
+  if (!errand.rehearsal()) errand.events().planned(planOf(errand, sizes, {writtenVolume(volume)}));
 
   Interrupt interrupt;  // from here on; the question above ends the program as usual
   bool isDone = removed(device, volume, shelf.folder(), podcast, interrupt);
   const bool wasCancelled = interrupt.happened();
   if (!isDone && !wasCancelled && outcomes->count(Kind::Failed) == 0)
-    complain(channel.folder, options.episodes.empty() ? "the channel cannot be removed"
-                                                      : "the index of the channel cannot be written");
-  isDone = flushed(device, volume) && isDone;
-  return reported(device, *outcomes, isDone, wasCancelled);
+    errand.events().complained(channel.folder, options.episodes.empty()
+                                                   ? "the channel cannot be removed"
+                                                   : "the index of the channel cannot be written");
+  isDone = flushed(errand, device, volume) && isDone;
+  ExitStatus status = reported(errand, device, *outcomes, isDone, wasCancelled);
+  if (errand.rehearsal()) errand.events().planned(planOf(errand, sizes, {writtenVolume(volume)}));
+  return status;
 }
 
 }  // namespace umsctl

@@ -9,11 +9,10 @@ namespace umsctl {
 struct PodcastRemoveOptions {
   VolumeFolders volumes;
   uint32_t on = 0;                    ///< index of the volume
-  bool isAgreed = false;              ///< nothing is asked
   std::string channel;                ///< title or folder
   std::vector<std::string> episodes;  ///< titles or file names; none for the whole channel
 };
 
-ExitStatus podcastRemove(const PodcastRemoveOptions& options);
+ExitStatus podcastRemove(const PodcastRemoveOptions& options, const Errand& errand);
 
 }  // namespace umsctl

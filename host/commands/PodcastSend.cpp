@@ -19,9 +19,9 @@ bool isSameFolder(FileSystem& files, const std::string& one, const std::string& 
   return first && second && first->device == second->device && first->inode == second->inode;
 }
 
-EpisodeItems itemsOf(const PodcastSendOptions& options) {
-  Device device(options.from);
-  PodcastShelf shelf(device, device.volume(options.on));
+EpisodeItems itemsOf(const PodcastSendOptions& options, const Errand& errand) {
+  Device device(options.from, errand);
+  PodcastShelf shelf(errand, device, device.volume(options.on));
   EpisodeItems items;
   std::set<std::string> taken;
   for (const std::string& words : options.channels) {
@@ -37,10 +37,13 @@ EpisodeItems itemsOf(const PodcastSendOptions& options) {
 
 }  // namespace
 
-ExitStatus podcastSend(const PodcastSendOptions& options) {
-  Device receiver(options.volumes);
+ExitStatus podcastSend(const PodcastSendOptions& options, const Errand& errand) {
+  Device receiver(options.volumes, errand);
   const Device::Volume& target = receiver.volume(options.to);
-  PodcastTransfer transfer(options.from, itemsOf(options), options.onConflict);
+  // The sender chooses the folders on the receiver.
+  VolumeFolders from = options.from;
+  from.profile = options.volumes.profile;
+  PodcastTransfer transfer(errand, from, itemsOf(options, errand));
   Device& sender = transfer.device();
   if (isSameFolder(sender.files(), sender.volume(options.on).path, target.path))
     throw Refusal(ExitStatus::SomeFailed, target.path, "both devices are the same");
@@ -53,7 +56,7 @@ ExitStatus podcastSend(const PodcastSendOptions& options) {
                                                        receiver.service().locationID(), kMediaPodcast,
                                                        target.index);
   };
-  return transfer.run(queue, {target.path});
+  return transfer.run(queue, {writtenVolume(target)});
 }
 
 }  // namespace umsctl

@@ -22,14 +22,14 @@ bool mayBringSubtitles(Transfer& transfer, const std::string& video, const std::
 
 }  // namespace
 
-ExitStatus pull(const PullOptions& options) {
+ExitStatus pull(const PullOptions& options, const Errand& errand) {
   const VolumeBounds bounds(options.volumes);
   const std::string into = withoutTrailingSlashes(absolutePath(options.into));
   auto objection = [&bounds](umsservice::FileSystem& files, const std::string& path) {
     return bounds.holdsContents(path) ? whyUnreadable(files, path) : VolumeBounds::kElsewhere;
   };
-  Transfer transfer(options.volumes, options.files, options.onConflict,
-                    {.place = "there", .folder = "the folder"}, objection);
+  Transfer transfer(errand, options.volumes, options.files, {.place = "there", .folder = "the folder"},
+                    objection);
   Device& device = transfer.device();
   // Files of any kind come along. Subtitles that are in the list themselves are left to their own turn.
   auto sort = [&](size_t index) {
@@ -42,7 +42,7 @@ ExitStatus pull(const PullOptions& options) {
   auto queue = [&](uint32_t serviceID, const umsservice::Array& contents, uint32_t mediaType) {
     return device.service().copyContentsDeviceToMac(serviceID, contents, into, mediaType, std::nullopt);
   };
-  return transfer.runByType(sort, queue, {into});
+  return transfer.runByType(sort, queue, {{into, {}}});
 }
 
 }  // namespace umsctl

@@ -1,7 +1,6 @@
 /// umsctl pull: files from a device into one folder of the computer.
 #pragma once
 
-#include "ConflictPolicy.h"
 #include "Device.h"
 #include "ExitStatus.h"
 
@@ -10,10 +9,9 @@ namespace umsctl {
 struct PullOptions {
   VolumeFolders volumes;
   std::string into;
-  OnConflict onConflict = OnConflict::NotSaid;
   std::vector<std::string> files;
 };
 
-ExitStatus pull(const PullOptions& options);
+ExitStatus pull(const PullOptions& options, const Errand& errand);
 
 }  // namespace umsctl

@@ -1,7 +1,6 @@
 /// umsctl push: media from the computer to a device.
 #pragma once
 
-#include "ConflictPolicy.h"
 #include "Device.h"
 #include "ExitStatus.h"
 
@@ -10,10 +9,9 @@ namespace umsctl {
 struct PushOptions {
   VolumeFolders volumes;
   uint32_t to = 0;  ///< index of the volume
-  OnConflict onConflict = OnConflict::NotSaid;
   std::vector<std::string> files;
 };
 
-ExitStatus push(const PushOptions& options);
+ExitStatus push(const PushOptions& options, const Errand& errand);
 
 }  // namespace umsctl

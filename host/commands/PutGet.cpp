@@ -1,7 +1,6 @@
 #include "commands/PutGet.h"
 
 #include "DirectCopy.h"
-#include "Output.h"
 #include "Paths.h"
 #include "Transfer.h"
 #include "VolumeBounds.h"
@@ -59,7 +58,16 @@ std::optional<ItemOutcome> withoutRoom(Device& device, const DirectCopy& copy) {
   return outcome;
 }
 
-ExitStatus transferOne(Transfer& transfer, const std::string& destination, DirectCopy::Method method) {
+/// The destination's volume, or a folder of the computer.
+WrittenPlace placeOf(const Device& device, const std::string& destination) {
+  for (const Device::Volume& volume : device.volumes()) {
+    if (destination.starts_with(volume.path + "/")) return writtenVolume(volume);
+  }
+  return {destination.substr(0, destination.rfind('/') + 1), {}};
+}
+
+ExitStatus transferOne(Transfer& transfer, const WrittenPlace& written, const std::string& destination,
+                       DirectCopy::Method method) {
   auto direct = [&](const std::function<bool()>& isWanted, const std::function<void(uint64_t)>& moved) {
     DirectCopy copy{transfer.contents().paths.front(), destination, isWanted, moved};
     bool isOverwrite = false;
@@ -67,31 +75,33 @@ ExitStatus transferOne(Transfer& transfer, const std::string& destination, Direc
     if (!settled) settled = withoutRoom(transfer.device(), copy);
     return settled ? *settled : copy.run(transfer.device(), method, isOverwrite);
   };
-  return transfer.runDirectly(direct, destination.substr(0, destination.rfind('/') + 1));
+  return transfer.runDirectly(direct, written);
 }
 
 }  // namespace
 
-ExitStatus put(const DirectOptions& options) {
-  Transfer transfer(options.volumes, {options.from}, options.onConflict,
-                    {.subtitles = Subtitles::StayBehind});
+ExitStatus put(const DirectOptions& options, const Errand& errand) {
+  Transfer transfer(errand, options.volumes, {options.from}, {.subtitles = Subtitles::StayBehind});
   std::string destination = destinationOf(transfer.device(), options);
   bool hasSource = transfer.contents().objections.front().empty();
   if (!hasSource || VolumeBounds(options.volumes).holdsItem(destination))
-    return transferOne(transfer, destination, &UMSService::writeFileToDevice);
-  complain(options.to, VolumeBounds::kElsewhere);
+    return transferOne(transfer, placeOf(transfer.device(), destination), destination,
+                       &UMSService::writeFileToDevice);
+  errand.events().complained(options.to, VolumeBounds::kElsewhere);
   return ExitStatus::SomeFailed;
 }
 
-ExitStatus get(const DirectOptions& options) {
+ExitStatus get(const DirectOptions& options, const Errand& errand) {
   const VolumeBounds bounds(options.volumes);
   auto objection = [&bounds](FileSystem& files, const std::string& path) {
     return bounds.holdsContents(path) ? whyUnreadable(files, path) : VolumeBounds::kElsewhere;
   };
-  Transfer transfer(options.volumes, {options.from}, options.onConflict,
+  Transfer transfer(errand, options.volumes, {options.from},
                     {.place = "there", .folder = "its folder", .subtitles = Subtitles::StayBehind},
                     objection);
-  return transferOne(transfer, destinationOf(transfer.device(), options), &UMSService::readFileFromDevice);
+  const std::string destination = destinationOf(transfer.device(), options);
+  return transferOne(transfer, {destination.substr(0, destination.rfind('/') + 1), {}}, destination,
+                     &UMSService::readFileFromDevice);
 }
 
 }  // namespace umsctl

@@ -1,7 +1,6 @@
 /// umsctl put and umsctl get: one file to, or from, a path of its own on a device.
 #pragma once
 
-#include "ConflictPolicy.h"
 #include "Device.h"
 #include "ExitStatus.h"
 
@@ -9,12 +8,11 @@ namespace umsctl {
 
 struct DirectOptions {
   VolumeFolders volumes;
-  OnConflict onConflict = OnConflict::NotSaid;
   std::string from;
   std::string to;  ///< an existing folder takes the file under its own name
 };
 
-ExitStatus put(const DirectOptions& options);
-ExitStatus get(const DirectOptions& options);
+ExitStatus put(const DirectOptions& options, const Errand& errand);
+ExitStatus get(const DirectOptions& options, const Errand& errand);
 
 }  // namespace umsctl

@@ -72,9 +72,9 @@ bool isAgreed(const std::string& plan) {
   }
 }
 
-bool isAgreed(const RemoveOptions& options, const Objection& objection) {
-  if (options.isAgreed) return true;
-  Device device(options.volumes);
+bool isAgreed(const RemoveOptions& options, const Errand& errand, const Objection& objection) {
+  if (errand.wishes().isAgreed || errand.rehearsal()) return true;
+  Device device(options.volumes, errand);
   std::string plan = planned(device, Contents(device.files(), options.files, objection));
   if (plan.empty()) return true;  // each file is told with what stands against it
   if (!canAsk())
@@ -85,17 +85,17 @@ bool isAgreed(const RemoveOptions& options, const Objection& objection) {
 
 }  // namespace
 
-ExitStatus removeFiles(const RemoveOptions& options) {
+ExitStatus removeFiles(const RemoveOptions& options, const Errand& errand) {
   const VolumeBounds bounds(options.volumes);
   auto objection = [&bounds](FileSystem& files, const std::string& path) {
     return whyNotDeleted(bounds, files, path);
   };
-  if (!isAgreed(options, objection)) {
-    complain("", "nothing is deleted");
+  if (!isAgreed(options, errand, objection)) {
+    errand.events().noticed("", "nothing is deleted");
     return ExitStatus::AllDone;
   }
-  Transfer transfer(options.volumes, options.files, OnConflict::Skip,
-                    {.done = "deleted", .subtitles = Subtitles::AreRemoved}, objection);
+  Transfer transfer(errand, options.volumes, options.files,
+                    {.done = "deleted", .planned = "delete", .subtitles = Subtitles::AreRemoved}, objection);
   Device& device = transfer.device();
   // A request for videos takes a ".smi" of the same name along; that of a song would be somebody else's, and
   // one in the list has its own turn.
@@ -106,9 +106,7 @@ ExitStatus removeFiles(const RemoveOptions& options) {
   auto queue = [&](uint32_t serviceID, const umsservice::Array& contents, uint32_t mediaType) {
     return device.service().deleteContents(serviceID, contents, mediaType, 0);
   };
-  std::vector<std::string> flushed;
-  for (const Device::Volume& volume : device.volumes()) flushed.push_back(volume.path);
-  return transfer.runByType(sort, queue, flushed);
+  return transfer.runByType(sort, queue, writtenVolumes(device));
 }
 
 }  // namespace umsctl

@@ -8,10 +8,9 @@ namespace umsctl {
 
 struct RemoveOptions {
   VolumeFolders volumes;
-  bool isAgreed = false;  ///< no question is needed
   std::vector<std::string> files;
 };
 
-ExitStatus removeFiles(const RemoveOptions& options);
+ExitStatus removeFiles(const RemoveOptions& options, const Errand& errand);
 
 }  // namespace umsctl

@@ -29,16 +29,18 @@ std::optional<ItemOutcome> settledAt(FileSystem& files, const std::string& sourc
 
 }  // namespace
 
-ExitStatus sendMedia(const SendOptions& options) {
-  Device destination(options.volumes);
+ExitStatus sendMedia(const SendOptions& options, const Errand& errand) {
+  Device destination(options.volumes, errand);
   const Device::Volume& target = destination.volume(options.to);
   auto receiver = std::make_shared<AskingDevice>(destination);
   const VolumeBounds bounds(options.from);
   auto objection = [&bounds](FileSystem& files, const std::string& path) {
     return bounds.holdsContents(path) ? whyUnreadable(files, path) : VolumeBounds::kElsewhere;
   };
-  Transfer transfer(options.from, options.files, options.onConflict, {.subtitles = Subtitles::StayBehind},
-                    objection);
+  // The sender chooses the folders on the receiver.
+  VolumeFolders from = options.from;
+  from.profile = options.volumes.profile;
+  Transfer transfer(errand, from, options.files, {.subtitles = Subtitles::StayBehind}, objection);
   transfer.policy().setOtherDevice(receiver);
   UMSService& source = transfer.device().service();
   auto sort = [&](size_t index) {
@@ -53,7 +55,7 @@ ExitStatus sendMedia(const SendOptions& options) {
     return source.copyContentsDeviceToDevice(serviceID, contents, source.locationID(),
                                              destination.service().locationID(), mediaType, target.index);
   };
-  return transfer.runByType(sort, queue, {target.path});
+  return transfer.runByType(sort, queue, {writtenVolume(target)});
 }
 
 }  // namespace umsctl

@@ -1,7 +1,6 @@
 /// umsctl send: media from one device to another, without a stop on the computer.
 #pragma once
 
-#include "ConflictPolicy.h"
 #include "Device.h"
 #include "ExitStatus.h"
 
@@ -11,10 +10,9 @@ struct SendOptions {
   VolumeFolders from;
   VolumeFolders volumes;  ///< of the device that receives
   uint32_t to = 0;        ///< index of the receiving volume
-  OnConflict onConflict = OnConflict::NotSaid;
   std::vector<std::string> files;
 };
 
-ExitStatus sendMedia(const SendOptions& options);
+ExitStatus sendMedia(const SendOptions& options, const Errand& errand);
 
 }  // namespace umsctl

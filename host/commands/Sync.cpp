@@ -5,8 +5,8 @@
 
 namespace umsctl {
 
-ExitStatus syncMedia(const SyncOptions& options) {
-  Transfer transfer(options.volumes, options.files, options.onConflict,
+ExitStatus syncMedia(const SyncOptions& options, const Errand& errand) {
+  Transfer transfer(errand, options.volumes.profileBy(ProfileChoice::Number), options.files,
                     {.subtitles = Subtitles::StayBehind, .tellsPlaces = true});
   Device& device = transfer.device();
   const bool isStartInternal = device.volume(options.first).kind == "internal";
@@ -21,9 +21,7 @@ ExitStatus syncMedia(const SyncOptions& options) {
   auto queue = [&](uint32_t serviceID, const umsservice::Array& contents, uint32_t mediaType) {
     return device.service().syncContents(serviceID, contents, mediaType, isStartInternal);
   };
-  std::vector<std::string> flushed;
-  for (const Device::Volume& volume : device.volumes()) flushed.push_back(volume.path);
-  return transfer.runByType(sort, queue, flushed);
+  return transfer.runByType(sort, queue, writtenVolumes(device));
 }
 
 }  // namespace umsctl

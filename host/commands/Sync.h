@@ -1,7 +1,6 @@
 /// umsctl sync: media from the computer to whichever volume of a device has room.
 #pragma once
 
-#include "ConflictPolicy.h"
 #include "Device.h"
 #include "ExitStatus.h"
 
@@ -10,10 +9,9 @@ namespace umsctl {
 struct SyncOptions {
   VolumeFolders volumes;
   uint32_t first = 0;  ///< index of the volume to begin with
-  OnConflict onConflict = OnConflict::NotSaid;
   std::vector<std::string> files;
 };
 
-ExitStatus syncMedia(const SyncOptions& options);
+ExitStatus syncMedia(const SyncOptions& options, const Errand& errand);
 
 }  // namespace umsctl

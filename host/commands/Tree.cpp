@@ -1,11 +1,14 @@
 #include "commands/Tree.h"
 
 #include <algorithm>
+#include <map>
 
 #include "Amounts.h"
+#include "Colour.h"
 #include "EscapedName.h"
-#include "Output.h"
 #include "Paths.h"
+#include "Terminal.h"
+#include "VolumeHeadline.h"
 
 namespace umsctl {
 namespace {
@@ -20,38 +23,95 @@ std::vector<std::string> textsOf(const Array& array) {
   return texts;
 }
 
-/// One tree on standard output. Folders that cannot be read are told on standard error.
+std::string counted(size_t count, const char* what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
+/// What stands before a name: the lines from the folders above, and the branch to the name itself.
+struct Branches {
+  const char* through;  ///< a folder above has more below it
+  const char* past;     ///< a folder above has shown everything
+  const char* to;
+  const char* toLast;
+};
+
+constexpr Branches kDrawn{"\u2502   ", "    ", "\u251c\u2500\u2500 ", "\u2514\u2500\u2500 "};
+constexpr Branches kTyped{"|   ", "    ", "|-- ", "`-- "};
+
+/// Shows trees, and tells of folders that cannot be read.
 class TreePrinter {
  public:
-  explicit TreePrinter(Device& device) : device_(device) {}
+  TreePrinter(const Errand& errand, Device& device)
+      : events_(errand.events()), device_(device), branches_(showsUtf8() ? kDrawn : kTyped) {}
 
   /// `folders` as the service lists them: the root first, full paths.
   void show(const std::string& root, const Array& folders) {
-    std::vector<std::string> paths = textsOf(folders);
-    std::sort(paths.begin(), paths.end(), comesBefore);
-    for (const std::string& path : paths) showFolder(root, path);
+    below_.clear();
+    for (const std::string& path : textsOf(folders)) {
+      if (path != root) below_[path.substr(0, path.rfind('/'))].push_back(lastComponent(path));
+    }
+    events_.shown({"", "folder", {{"path", root}, {"link", false}}});
+    showFolder(root, "");
+  }
+
+  void showTotal() const {
+    events_.remarked(counted(folders_, "folder") + ", " + counted(files_, "file") + ", " + byteText(bytes_) +
+                     "\n");
   }
 
   bool everythingWasRead() const { return everythingWasRead_; }
 
  private:
-  void showFolder(const std::string& root, const std::string& path) {
-    std::string below = path.size() > root.size() ? path.substr(root.size()) : "";
-    auto depth = static_cast<size_t>(std::count(below.begin(), below.end(), '/'));
-    if (depth > 0 && isLink(path)) return print(line(depth, lastComponent(path)) + "/  (a link)\n");
-    if (depth > 0) print(line(depth, lastComponent(path)) + "/\n");
+  struct Entry {
+    std::string name;
+    bool isFolder;
+    bool operator<(const Entry& other) const { return name < other.name; }
+  };
+
+  /// Files and folders together, by name.
+  std::vector<Entry> entriesOf(const std::string& path) {
+    std::vector<Entry> entries;
     MaybeArray names = device_.service().fileLists(path);
-    if (!names) return tellUnreadable(path);
-    std::vector<std::string> files = textsOf(*names);
-    std::sort(files.begin(), files.end());
-    for (const std::string& file : files) {
-      uint64_t size = device_.service().fileSizeAtDevice(path + "/" + file);
-      print(line(depth + 1, file) + "  " + byteText(size) + "\n");
+    if (!names) tellUnreadable(path);
+    for (const std::string& name : names ? textsOf(*names) : std::vector<std::string>())
+      entries.push_back({name, false});
+    for (const std::string& name : below_[path]) entries.push_back({name, true});
+    std::stable_sort(entries.begin(), entries.end());
+    return entries;
+  }
+
+  void showFolder(const std::string& path, const std::string& before) {
+    const std::vector<Entry> entries = entriesOf(path);
+    for (const Entry& entry : entries) {
+      const bool isLast = &entry == &entries.back();
+      const std::string below = inFolder(path, entry.name);
+      const std::string line = before + (isLast ? branches_.toLast : branches_.to);
+      if (!entry.isFolder) {
+        showFile(line, below);
+      } else if (showsContents(line, below)) {
+        showFolder(below, before + (isLast ? branches_.past : branches_.through));
+      }
     }
   }
 
-  static std::string line(size_t depth, const std::string& name) {
-    return std::string(depth * 2, ' ') + escaped(name);
+  void showFile(const std::string& line, const std::string& path) {
+    const uint64_t size = device_.service().fileSizeAtDevice(path);
+    events_.shown({line + escaped(lastComponent(path)) + "  " + byteText(size) + "\n",
+                   "file",
+                   {{"path", path}, {"bytes", size}}});
+    ++files_;
+    bytes_ += size;
+  }
+
+  /// The line of a folder; true where its contents are to follow.
+  bool showsContents(const std::string& line, const std::string& path) {
+    const std::string name = escaped(lastComponent(path)) + "/";
+    const bool link = isLink(path);
+    const std::string shown = outputHasColour() ? painted(Paint::Strong, name) : name;
+    events_.shown(
+        {line + shown + (link ? "  (a link)" : "") + "\n", "folder", {{"path", path}, {"link", link}}});
+    ++folders_;
+    return !link;
   }
 
   bool isLink(const std::string& path) {
@@ -62,17 +122,23 @@ class TreePrinter {
   void tellUnreadable(const std::string& path) {
     everythingWasRead_ = false;
     auto listed = device_.files().list(path);
-    complain(path, listed ? "it could not be read" : listed.error().words());
+    events_.complained(path, listed ? "it could not be read" : listed.error().words());
   }
 
+  Events& events_;
   Device& device_;
+  const Branches& branches_;
+  std::map<std::string, std::vector<std::string>> below_;  ///< names of the folders in a folder
+  size_t folders_ = 0;
+  size_t files_ = 0;
+  uint64_t bytes_ = 0;
   bool everythingWasRead_ = true;
 };
 
-void showVolumes(Device& device, TreePrinter& printer) {
+void showVolumes(const Errand& errand, Device& device, TreePrinter& printer) {
   auto trees = device.service().getDeviceAllFolderLists();
   for (const Device::Volume& volume : device.volumes()) {
-    print(std::to_string(volume.index) + "  " + volume.kind + "  " + escaped(volume.path) + "\n");
+    errand.events().shown(volumeHeadline(volume));
     auto tree = trees ? trees->at(volume.index).dictionary() : std::nullopt;
     auto folders = tree ? tree->get("folderLists").array() : std::nullopt;
     if (folders) printer.show(volume.path, *folders);
@@ -81,16 +147,17 @@ void showVolumes(Device& device, TreePrinter& printer) {
 
 }  // namespace
 
-ExitStatus tree(const TreeOptions& options) {
-  Device device(options.volumes);
-  TreePrinter printer(device);
+ExitStatus tree(const TreeOptions& options, const Errand& errand) {
+  Device device(options.volumes, errand);
+  TreePrinter printer(errand, device);
   if (options.folder) {
     std::string root = withoutTrailingSlashes(absolutePath(*options.folder));
-    print(escaped(*options.folder) + "\n");
+    errand.events().remarked(escaped(*options.folder) + "\n");
     printer.show(root, *device.service().recursiveFolderLists(root));
   } else {
-    showVolumes(device, printer);
+    showVolumes(errand, device, printer);
   }
+  printer.showTotal();
   return printer.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;
 }
 

@@ -11,6 +11,6 @@ struct TreeOptions {
   std::optional<std::string> folder;  ///< instead of the volumes
 };
 
-ExitStatus tree(const TreeOptions& options);
+ExitStatus tree(const TreeOptions& options, const Errand& errand);
 
 }  // namespace umsctl

@@ -7,7 +7,6 @@
 #include <cstdlib>
 #include <cstring>
 
-#include "Output.h"
 #include "Paths.h"
 
 namespace umsctl {
@@ -19,8 +18,8 @@ constexpr auto kOtherPathNeeded = "its path has characters that the device's ser
 
 CleanLinks::~CleanLinks() {
   if (folder_.empty()) return;
-  auto removed = cleaner_.files().remove(folder_);
-  if (!removed) complain(folder_, "links stay there: " + removed.error().words());
+  auto removed = files_->remove(folder_);
+  if (!removed) errand_.events().complained(folder_, "links stay there: " + removed.error().words());
 }
 
 std::string CleanLinks::cleanName(const std::string& path) {
@@ -37,8 +36,8 @@ std::string CleanLinks::knownPath(const std::string& path) const {
 bool CleanLinks::survivesCleaning(const std::string& path) {
   const std::string cleaned = cleaner_.service().convertAvailableString(path).value_or("");
   if (cleaned == path) return true;
-  auto meant = cleaner_.files().attributes(path);
-  auto found = cleaner_.files().attributes(cleaned);
+  auto meant = files_->attributes(path);
+  auto found = files_->attributes(cleaned);
   return meant && found && meant->device == found->device && meant->inode == found->inode;
 }
 

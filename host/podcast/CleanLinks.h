@@ -16,7 +16,7 @@ namespace umsctl {
 
 class CleanLinks {
  public:
-  CleanLinks() = default;
+  explicit CleanLinks(const Errand& errand) : errand_(errand), cleaner_({}, errand) {}
   /// Removes the links; what they lead to stays.
   ~CleanLinks();
   CleanLinks(const CleanLinks&) = delete;
@@ -35,7 +35,10 @@ class CleanLinks {
   bool makeFolder(std::string& objection);
   bool makeFolderIn(const std::string& place);
 
-  Device cleaner_{VolumeFolders{}};           ///< asked how paths are cleaned, nothing else
+  const Errand& errand_;
+  Device cleaner_;  ///< asked how paths are cleaned, nothing else
+  /// A dry run has links as well: without them it would not find the files.
+  const std::shared_ptr<umsservice::FileSystem> files_ = umsservice::posixFileSystem();
   std::string folder_;                        ///< empty before the first link
   size_t folders_ = 0;                        ///< made in it
   std::map<std::string, std::string> links_;  ///< what each link leads to

@@ -3,7 +3,6 @@
 #include <cerrno>
 #include <set>
 
-#include "Output.h"
 #include "Paths.h"
 #include "Refusal.h"
 #include "podcast/BoundedXml.h"
@@ -79,8 +78,9 @@ class FeedEpisodes {
   size_t leftOut_ = 0;
 };
 
-EpisodeItems itemsOfFeed(FileSystem& files, CleanLinks& links, const std::string& name,
+EpisodeItems itemsOfFeed(const Errand& errand, CleanLinks& links, const std::string& name,
                          const std::string& folder) {
+  FileSystem& files = *errand.files();
   Feed feed = readFeed(contentsOf(files, name));
   if (!feed.podcast) refuse(name, feed.error);
   if (!feed.podcast->contains("Title")) refuse(name, "the channel has no title");
@@ -93,8 +93,9 @@ EpisodeItems itemsOfFeed(FileSystem& files, CleanLinks& links, const std::string
   if (taking.taken().empty())
     refuse(folder, "none of the " + std::to_string(episodes.size()) + " episodes of the feed lies here");
   if (taking.leftOut() > 0)
-    complain(name, std::to_string(taking.leftOut()) + " of " + std::to_string(episodes.size()) +
-                       " episodes are not in the folder and left out");
+    errand.events().noticed(name, std::to_string(taking.leftOut()) + " of " +
+                                      std::to_string(episodes.size()) +
+                                      " episodes are not in the folder and left out");
   feed.podcast->set(kChildren, Array(taking.taken()));
   items.channels.append(*feed.podcast);
   return items;
@@ -165,9 +166,9 @@ void EpisodeItems::addRefused(const Dictionary& given, const std::string& name,
   objections.push_back(objection);
 }
 
-EpisodeItems episodeItems(FileSystem& files, CleanLinks& links, const PodcastInput& input) {
-  return input.feed ? itemsOfFeed(files, links, *input.feed, input.episodes.value_or(""))
-                    : itemsOfJson(files, links, input);
+EpisodeItems episodeItems(const Errand& errand, CleanLinks& links, const PodcastInput& input) {
+  return input.feed ? itemsOfFeed(errand, links, *input.feed, input.episodes.value_or(""))
+                    : itemsOfJson(*errand.files(), links, input);
 }
 
 }  // namespace umsctl

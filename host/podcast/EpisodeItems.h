@@ -38,8 +38,8 @@ struct EpisodeItems {
                   const std::string& objection);
 };
 
-/// Tells on standard error of episodes that were left out because nobody has downloaded them. The links serve
-/// for as long as the episodes do.
-EpisodeItems episodeItems(umsservice::FileSystem& files, CleanLinks& links, const PodcastInput& input);
+/// Tells of episodes that were left out because nobody has downloaded them. The links serve for as long as
+/// the episodes do.
+EpisodeItems episodeItems(const Errand& errand, CleanLinks& links, const PodcastInput& input);
 
 }  // namespace umsctl

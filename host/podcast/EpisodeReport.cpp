@@ -1,8 +1,7 @@
 #include "podcast/EpisodeReport.h"
 
-#include "Amounts.h"
 #include "Causes.h"
-#include "Output.h"
+#include "TransferReport.h"
 #include "umsservice/ErrorNumbers.h"
 
 namespace umsctl {
@@ -24,35 +23,30 @@ std::string causeOfEpisode(Device& device, const ItemOutcome& outcome) {
   }
 }
 
-bool complainAbout(Device& device, const std::string& name, const std::string& objection,
-                   const ItemOutcome& outcome) {
-  bool isFailure = outcome.kind == Kind::Failed ||
-                   (outcome.kind == Kind::NotReached && !umsservice::isStopCode(outcome.errorNumber));
-  if (isFailure) complain(name, objection.empty() ? causeOfEpisode(device, outcome) : objection);
-  return isFailure;
+namespace {
+
+std::string causeFor(const ReportedEpisodes& parts, const ItemOutcome& outcome) {
+  if (auto mismatch = parts.mismatches.find(outcome.index); mismatch != parts.mismatches.end())
+    return mismatch->second;
+  const std::string& objection = parts.items.objections.at(outcome.index);
+  return objection.empty() ? causeOfEpisode(parts.device, outcome) : objection;
 }
 
-ExitStatus reportEpisodes(Device& device, const EpisodeItems& items, const Outcomes& outcomes,
-                          bool wasCancelled) {
-  size_t failures = 0;
-  for (const ItemOutcome& outcome : outcomes.all()) {
-    size_t i = outcome.index;
-    if (complainAbout(device, items.names.at(i), items.objections.at(i), outcome)) ++failures;
-  }
-  for (const auto& leftover : outcomes.leftovers())
-    complain(leftover.path, "an unfinished copy stays there: " + leftover.words());
-  size_t done = outcomes.count(Kind::Done);
-  size_t skipped = outcomes.count(Kind::Skipped);
-  size_t notReached = items.names.size() - done - skipped - failures;
+}  // namespace
 
-  std::string counts = wasCancelled ? "cancelled: " : "";
-  counts += std::to_string(done) + " copied (" + byteText(outcomes.doneBytes()) + ")";
-  if (skipped > 0) counts += ", " + std::to_string(skipped) + " skipped";
-  if (failures > 0) counts += ", " + std::to_string(failures) + " failed";
-  if (notReached > 0) counts += ", " + std::to_string(notReached) + " not copied";
-  print(counts + "\n");
-  if (wasCancelled) return ExitStatus::Cancelled;
-  return failures + notReached > 0 ? ExitStatus::SomeFailed : ExitStatus::AllDone;
+ExitStatus reportEpisodes(const ReportedEpisodes& parts, bool wasCancelled) {
+  for (const ItemOutcome& outcome : parts.outcomes.all()) {
+    if (outcome.kind == Kind::Done || outcome.kind == Kind::Skipped) continue;
+    parts.display.tell(outcome, isFailure(outcome) ? causeFor(parts, outcome) : "");
+  }
+  for (const ItemOutcome& outcome : neverCounted(parts.outcomes, parts.items.names.size()))
+    parts.display.tell(outcome);
+  for (const auto& leftover : parts.outcomes.leftovers())
+    parts.errand.events().complained(leftover.path, "an unfinished copy stays there: " + leftover.words());
+  Counts counts = countsOf(parts.errand, parts.outcomes, {}, parts.items.names.size());
+  counts.wasCancelled = wasCancelled;
+  parts.errand.events().counted(counts);
+  return statusOf(counts);
 }
 
 }  // namespace umsctl

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "Output.h"
 #include "Refusal.h"
 #include "umsservice/Notifications.h"
 
@@ -16,23 +15,24 @@ std::string PodcastShelf::folderOf(Device& device, const Device::Volume& volume)
   return device.service().defaultMediaContentsPath(volume.path, diskType, kMediaPodcast).value_or("");
 }
 
-PodcastShelf::PodcastShelf(Device& device, const Device::Volume& volume) : folder_(folderOf(device, volume)) {
+PodcastShelf::PodcastShelf(const Errand& errand, Device& device, const Device::Volume& volume)
+    : folder_(folderOf(device, volume)) {
   MaybeArray paths;
   if (folder_.empty() || !device.service().podcastXmlLists(0, folder_, &paths) || !paths) return;
-  for (const Value& path : paths->snapshot()) read(device, path.string().value_or(""));
+  for (const Value& path : paths->snapshot()) read(errand, device, path.string().value_or(""));
   std::sort(channels_.begin(), channels_.end(), [](const ShelvedChannel& one, const ShelvedChannel& other) {
     return std::tie(one.title, one.name) < std::tie(other.title, other.name);
   });
 }
 
-void PodcastShelf::read(Device& device, const std::string& relativePath) {
+void PodcastShelf::read(const Errand& errand, Device& device, const std::string& relativePath) {
   const std::string name = relativePath.substr(0, relativePath.find('/'));
   if (name.starts_with('.') || relativePath != name + "/" + name + ".xml") return;
   const std::string path = folder_ + "/" + relativePath;
   MaybeDictionary podcast = device.service().umsPodcastXmlData(path);
   if (!podcast) {
     everythingWasRead_ = false;
-    return complain(path, "it is no index of a podcast channel");
+    return errand.events().complained(path, "it is no index of a podcast channel");
   }
   ShelvedChannel channel{name, folder_ + "/" + name, podcast->string("Title").value_or(name), *podcast, {}};
   for (const Value& element : podcast->get("children").array().value_or(Array()).snapshot())

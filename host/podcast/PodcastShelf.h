@@ -21,8 +21,8 @@ struct ShelvedChannel {
 
 class PodcastShelf {
  public:
-  /// Reads every channel of a volume, sorted by title. What cannot be read is told on standard error.
-  PodcastShelf(Device& device, const Device::Volume& volume);
+  /// Reads every channel of a volume, sorted by title, and tells of what cannot be read.
+  PodcastShelf(const Errand& errand, Device& device, const Device::Volume& volume);
 
   /// Full path of the folder in which the channels of a volume lie.
   static std::string folderOf(Device& device, const Device::Volume& volume);
@@ -35,7 +35,7 @@ class PodcastShelf {
   const ShelvedChannel& channel(const std::string& words) const;
 
  private:
-  void read(Device& device, const std::string& relativePath);
+  void read(const Errand& errand, Device& device, const std::string& relativePath);
 
   std::string folder_;
   std::vector<ShelvedChannel> channels_;

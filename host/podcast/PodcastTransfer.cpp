@@ -1,21 +1,23 @@
 #include "podcast/PodcastTransfer.h"
 
-#include "Output.h"
+#include "Planning.h"
 #include "Refusal.h"
 #include "RunningRequest.h"
+#include "Verification.h"
 #include "podcast/EpisodeReport.h"
 
 namespace umsctl {
 
 using umsservice::ItemOutcome;
 
-PodcastTransfer::PodcastTransfer(const VolumeFolders& volumes, EpisodeItems items, OnConflict onConflict)
-    : items_(std::move(items)),
-      display_(items_.sizes),
-      outcomes_(
-          std::make_shared<Outcomes>(files_, [this](const ItemOutcome& outcome) { itemCounted(outcome); })),
-      policy_(std::make_shared<ConflictPolicy>(onConflict, display_, interrupt_)),
-      device_(volumes, outcomes_) {
+PodcastTransfer::PodcastTransfer(const Errand& errand, const VolumeFolders& volumes, EpisodeItems items)
+    : errand_(errand),
+      items_(std::move(items)),
+      display_(errand, items_.names, items_.sizes),
+      outcomes_(std::make_shared<Outcomes>(errand.files(),
+                                           [this](const ItemOutcome& outcome) { itemCounted(outcome); })),
+      policy_(std::make_shared<ConflictPolicy>(errand, display_, interrupt_)),
+      device_(volumes, errand, outcomes_) {
   device_.service().setConfirmDelegate(policy_);
 }
 
@@ -25,14 +27,19 @@ void PodcastTransfer::itemCounted(const ItemOutcome& outcome) {
   if (++counted_ == items_.names.size() && end_) end_();
 }
 
-ExitStatus PodcastTransfer::run(const Queue& queue, const std::vector<std::string>& flushed) {
+ExitStatus PodcastTransfer::run(const Queue& queue, const std::vector<WrittenPlace>& written) {
+  const bool isRehearsed = errand_.rehearsal() != nullptr;
+  if (!isRehearsed) errand_.events().planned(planOf(errand_, items_.sizes, written));
   display_.begin();
   perform(queue);
-  display_.announce("Waiting until the device has written everything...");
   bool isKept = true;
-  for (const std::string& folder : flushed) isKept = flush(folder) && isKept;
+  if (!isRehearsed) display_.announce("Waiting until the device has written everything...");
+  for (const WrittenPlace& place : written) isKept = flush(place.path) && isKept;
+  const auto mismatches = verify();
   display_.finish();
-  ExitStatus status = reportEpisodes(device_, items_, *outcomes_, wasCancelled_);
+  ExitStatus status =
+      reportEpisodes({errand_, device_, items_, *outcomes_, display_, mismatches}, wasCancelled_);
+  if (isRehearsed) errand_.events().planned(planOf(errand_, items_.sizes, written, display_.clashes()));
   return isKept || status != ExitStatus::AllDone ? status : ExitStatus::SomeFailed;
 }
 
@@ -55,13 +62,25 @@ void PodcastTransfer::perform(const Queue& queue) {
   wasCancelled_ = interrupt_.happened();
 }
 
+/// Only now: what is compared must have been on the device.
+std::map<size_t, std::string> PodcastTransfer::verify() {
+  if (!errand_.wishes().verifies || errand_.rehearsal()) return {};
+  InterruptAction cancelling(
+      interrupt_, wasCancelled_ ? std::function<void()>() : [] { answerInterrupt("cancelling"); });
+  auto mismatches = Verification(errand_, *outcomes_, display_, interrupt_).run();
+  wasCancelled_ = interrupt_.happened();
+  if (wasCancelled_) interrupt_.settle();
+  return mismatches;
+}
+
 /// Files that are only in the computer's memory are lost when the cable is pulled.
 bool PodcastTransfer::flush(const std::string& folder) {
   auto answer = [] { answerInterrupt("the device is still writing"); };
   InterruptAction waiting(interrupt_, wasCancelled_ ? std::function<void()>() : answer);
   auto flushed = device_.files().syncVolume(folder);
   if (flushed) return true;
-  display_.stepAside([&] { complain(folder, "it may not be written yet: " + flushed.error().words()); });
+  display_.stepAside(
+      [&] { errand_.events().complained(folder, "it may not be written yet: " + flushed.error().words()); });
   return false;
 }
 

@@ -11,6 +11,7 @@
 #include "Interrupt.h"
 #include "Outcomes.h"
 #include "ProgressDisplay.h"
+#include "WrittenPlace.h"
 #include "podcast/EpisodeItems.h"
 
 namespace umsctl {
@@ -18,7 +19,7 @@ namespace umsctl {
 class PodcastTransfer {
  public:
   /// Throws `Refusal` for a volume that is not there.
-  PodcastTransfer(const VolumeFolders& volumes, EpisodeItems items, OnConflict onConflict);
+  PodcastTransfer(const Errand& errand, const VolumeFolders& volumes, EpisodeItems items);
 
   Device& device() { return device_; }
   /// Asked by the service about existing files.
@@ -27,17 +28,18 @@ class PodcastTransfer {
   /// Queues a request under the given number; false when the service refuses it.
   using Queue = std::function<bool(uint32_t serviceID, const umsservice::Array& channels)>;
 
-  /// Queues, shows the progress, waits for the end, has the device keep what was written below `flushed`, and
-  /// reports.
-  ExitStatus run(const Queue& queue, const std::vector<std::string>& flushed);
+  /// Queues, shows the progress, waits for the end, has the device keep what was written, compares it where
+  /// that is wished for, and reports.
+  ExitStatus run(const Queue& queue, const std::vector<WrittenPlace>& written);
 
  private:
   void itemCounted(const umsservice::ItemOutcome& outcome);
   void perform(const Queue& queue);
   bool flush(const std::string& folder);
+  std::map<size_t, std::string> verify();
 
   // In the order of need: the service goes first, then what its worker may still be calling.
-  const std::shared_ptr<umsservice::FileSystem> files_ = umsservice::posixFileSystem();
+  const Errand& errand_;
   const EpisodeItems items_;
   ProgressDisplay display_;
   std::mutex endMutex_;

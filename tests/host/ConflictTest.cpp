@@ -29,7 +29,7 @@ class Conflict : public HostTest {
   Ended answering(const Lines& answers) {
     RunningProgram program(pushingAll(), {.atTerminal = true});
     for (size_t i = 0; i < answers.size(); ++i) {
-      program.waitForOutput("(y/n/all/none) ", i + 1);
+      program.waitForOutput("(y/n/all/none/quit) ", i + 1);
       program.type(answers[i]);
     }
     return program.wait();
@@ -87,7 +87,7 @@ TEST_F(Conflict, NeverReplacesAFileByItself) {
 TEST_F(Conflict, IsAskedAboutFileByFileAtATerminal) {
   Ended ended = answering({"y\n", "n\n", "Yes\n"});
   EXPECT_EQ(ended.status, 0);
-  EXPECT_NE(ended.output.find("two.mp3 is already on the device. Replace it? (y/n/all/none) "),
+  EXPECT_NE(ended.output.find("two.mp3 is already on the device. Replace it? (y/n/all/none/quit) "),
             std::string::npos);
   EXPECT_NE(ended.output.find("2 copied (16 B), 1 skipped\r\n"), std::string::npos);
   EXPECT_EQ(onDevice(), (Lines{"new one", "old", "new three"}));
@@ -108,6 +108,33 @@ TEST_F(Conflict, IsNotAskedAboutAgainAfterNone) {
   Ended ended = answering({"y\n", "none\n"});
   EXPECT_EQ(ended.status, 0);
   EXPECT_EQ(onDevice(), (Lines{"new one", "old", "old"}));
+}
+
+TEST_F(Conflict, EndsTheRunLikeACancelAfterQuit) {
+  for (const char* typed : {"quit\n", "Q\n"}) {
+    sandbox.file("phone/Music/one.mp3", "old");
+    Ended ended = answering({"y\n", typed});
+    EXPECT_EQ(ended.status, 130);
+    EXPECT_NE(ended.output.find("cancelled: 1 copied (7 B), 1 skipped, 1 not copied\r\n"), std::string::npos)
+        << ended.output;
+    EXPECT_EQ(ended.output.find("three.mp3"), std::string::npos);
+    EXPECT_EQ(onDevice(), (Lines{"new one", "old", "old"}));
+  }
+}
+
+TEST_F(Conflict, EndsTheRunAfterQuitFromAPipeAndInEveryCommandThatAsks) {
+  EXPECT_EQ(umsctl(pushingAll({"--on-conflict", "ask"}), {.input = "quit\n"}).status, 130);
+  std::string place = phone + "/Music/one.mp3";
+  EXPECT_EQ(umsctl({"put", "--internal", phone, "--on-conflict", "ask", one, place}, {.input = "q\n"}).status,
+            130);
+  std::string into = sandbox.folder("computer");
+  Ended pulled = umsctl(
+      {"pull", "--internal", phone, "--on-conflict", "ask", "--into", into, place, phone + "/Music/two.mp3"},
+      {.input = "q\n"});
+  EXPECT_EQ(pulled.status, 130);
+  EXPECT_EQ(linesOf(pulled.output).back(), "cancelled: 0 copied (0 B), 1 skipped, 1 not copied");
+  EXPECT_EQ(onDevice(), (Lines{"old", "old", "old"}));
+  EXPECT_EQ(bytesOf(one), "new one");
 }
 
 TEST_F(Conflict, KeepsEverythingWhenTheInputEnds) {

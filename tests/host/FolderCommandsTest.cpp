@@ -26,6 +26,26 @@ TEST_F(Df, ShowsTotalAndFreeSpaceOfEachVolume) {
   EXPECT_EQ(linesOf(spoken.output).back(), "0       card              1.0 MB          1.0 MB  " + card);
 }
 
+TEST_F(Df, ShowsABarForEachVolumeAtATerminal) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume internal(phone, 8 << 20);
+  TmpfsVolume external(card, 1 << 20);
+  sandbox.file("card/song.mp3", std::string(1 << 20, 'x'));
+  Ended ended =
+      umsctl({"df", "--no-color", "--internal", phone, "--card", card}, {.atTerminal = true, .columns = 200});
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_EQ(linesOf(ended.output),
+            (Lines{"VOLUME  KIND      USED                           FREE   TOTAL  FOLDER\r",
+                   "0       internal  [                    ]   0%  8.4 MB  8.4 MB  " + phone + "\r",
+                   "1       card      [====================] 100%     0 B  1.0 MB  " + card + "\r"}));
+}
+
+TEST_F(Df, CutsTheFolderWhereTheTerminalIsNarrow) {
+  Ended ended = umsctl({"df", "--no-color", "--internal", phone}, {.atTerminal = true, .columns = 75});
+  for (const std::string& line : linesOf(ended.output)) EXPECT_LE(line.size(), 76u) << line;
+  EXPECT_TRUE(ended.output.ends_with("...\r\n")) << ended.output;
+}
+
 TEST_F(Tree, ShowsFoldersAndFilesOfBothVolumesInOrderWithoutHiddenOnes) {
   sandbox.file("phone/Music/b.mp3", std::string(12'900, 'x'));
   sandbox.file("phone/Music/a.mp3", "la");
@@ -37,17 +57,26 @@ TEST_F(Tree, ShowsFoldersAndFilesOfBothVolumesInOrderWithoutHiddenOnes) {
   Ended ended = umsctl({"tree", "--internal", phone, "--card", card + "/"});
   EXPECT_EQ(ended.status, 0);
   EXPECT_EQ(ended.error, "");
-  EXPECT_EQ(
-      linesOf(ended.output),
-      (Lines{"0  internal  " + phone, "  top.jpg  0 B", "  Music/", "    a.mp3  2 B", "    b.mp3  12.9 kB",
-             "    Live/", "      c\\n.mp3  2 B", "  Music Videos/", "    d.mp4  2 B", "1  card  " + card}));
+  EXPECT_EQ(linesOf(ended.output),
+            (Lines{"0  internal  " + phone, "├── Music/", "│   ├── Live/", "│   │   └── c\\n.mp3  2 B",
+                   "│   ├── a.mp3  2 B", "│   └── b.mp3  12.9 kB", "├── Music Videos/", "│   └── d.mp4  2 B",
+                   "└── top.jpg  0 B", "1  card  " + card, "3 folders, 5 files, 12.9 kB"}));
 }
 
 TEST_F(Tree, ShowsASingleFolder) {
   sandbox.file("phone/Music/a.mp3", "la");
   Ended ended = umsctl({"tree", "phone"}, {.folder = sandbox.path()});
   EXPECT_EQ(ended.status, 0);
-  EXPECT_EQ(linesOf(ended.output), (Lines{"phone", "  Music/", "    a.mp3  2 B"}));
+  EXPECT_EQ(linesOf(ended.output),
+            (Lines{"phone", "└── Music/", "    └── a.mp3  2 B", "1 folder, 1 file, 2 B"}));
+}
+
+TEST_F(Tree, IsDrawnWithLettersWhereTheLocaleHasNoOthers) {
+  sandbox.file("phone/Music/a.mp3", "la");
+  sandbox.folder("phone/Videos");
+  Ended ended = umsctl({"tree", phone}, {.environment = {{"LC_ALL", "C"}}});
+  EXPECT_EQ(linesOf(ended.output),
+            (Lines{phone, "|-- Music/", "|   `-- a.mp3  2 B", "`-- Videos/", "2 folders, 1 file, 2 B"}));
 }
 
 TEST_F(Tree, DoesNotFollowLinksInCircles) {
@@ -55,7 +84,8 @@ TEST_F(Tree, DoesNotFollowLinksInCircles) {
   ASSERT_EQ(symlink("..", (phone + "/Music/up").c_str()), 0);
   Ended ended = umsctl({"tree", "--internal", phone});
   EXPECT_EQ(ended.status, 0);
-  EXPECT_EQ(linesOf(ended.output), (Lines{"0  internal  " + phone, "  Music/", "    up/  (a link)"}));
+  EXPECT_EQ(linesOf(ended.output), (Lines{"0  internal  " + phone, "└── Music/", "    └── up/  (a link)",
+                                          "2 folders, 0 files, 0 B"}));
 }
 
 TEST_F(Tree, NamesAFolderThatCannotBeReadAndShowsTheOthers) {
@@ -65,8 +95,8 @@ TEST_F(Tree, NamesAFolderThatCannotBeReadAndShowsTheOthers) {
   Ended ended = umsctl({"tree", "--internal", phone}, {.withoutRootPowers = true});
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(ended.error, "umsctl: " + closed + ": Permission denied\n");
-  EXPECT_EQ(linesOf(ended.output),
-            (Lines{"0  internal  " + phone, "  A closed one/", "  Music/", "    a.mp3  2 B"}));
+  EXPECT_EQ(linesOf(ended.output), (Lines{"0  internal  " + phone, "├── A closed one/", "└── Music/",
+                                          "    └── a.mp3  2 B", "2 folders, 1 file, 2 B"}));
 }
 
 TEST_F(Tree, NamesAFolderThatIsMissing) {

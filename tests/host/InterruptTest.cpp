@@ -53,7 +53,7 @@ TEST_F(Interrupting, EndsAQuestionWithoutReplacingAnything) {
   std::string song = sandbox.file("song.mp3", "new");
   sandbox.file("phone/Music/song.mp3", "old");
   RunningProgram program(pushing({song, media("sunrise.jpg")}), {.atTerminal = true});
-  program.waitForOutput("Replace it? (y/n/all/none) ");
+  program.waitForOutput("Replace it? (y/n/all/none/quit) ");
   program.type("\x03");
   Ended ended = program.wait();
   EXPECT_EQ(ended.status, 130);

@@ -55,8 +55,17 @@ TEST_F(List, ShowsTagsInFieldsAndFilesWithoutTagsToo) {
   EXPECT_EQ(linesOf(ended.output),
             (Lines{"music\t13407\t" + phone +
                        "/Music/a.flac\tAbendtöne am Fluß\tÜbungsensemble 音\tThree Small "
-                       "Tones\tAmbient\t2\t2021\t0:02",
-                   "music\t15\t" + phone + "/Music/broken.mp3\t\t\t\t\t\t\t"}));
+                       "Tones\tAmbient\t2\t2021\t0:02\t\t\t\t",
+                   "music\t15\t" + phone + "/Music/broken.mp3\t\t\t\t\t\t\t\t\t\t\t"}));
+}
+
+TEST_F(List, ShowsPixelsDateCameraAndCodecsInFieldsBehindTheTagsOfMusic) {
+  copyOf("pier.jpg", "phone/a.jpg");
+  copyOf("harbour.mp4", "phone/b.mp4");
+  EXPECT_EQ(
+      linesOf(umsctl(listing({"--tags"})).output),
+      (Lines{"image\t1041\t" + phone + "/a.jpg\t\t\t\t\t\t\t\t48x64\t2021-06-05 04:31:07\tTinbox Pocket 3\t",
+             "video\t12262\t" + phone + "/b.mp4\t\t\t\t\t\t\t0:03\t128x96\t\t\tAVC, AAC"}));
 }
 
 TEST_F(List, ShowsTheEpisodesOfPodcasts) {
@@ -66,7 +75,7 @@ TEST_F(List, ShowsTheEpisodesOfPodcasts) {
                "water</Title><Url>http://tides/1</Url><FilePath>one.mp3</FilePath></Post></channel>\n");
   EXPECT_EQ(linesOf(umsctl(listing({"--type", "podcast"})).output), Lines{"podcast\t8\t" + episode});
   EXPECT_EQ(linesOf(umsctl(listing({"--type", "podcast", "--tags"})).output),
-            Lines{"podcast\t8\t" + episode + "\tLow water\t\tTides\t\t\t\t"});
+            Lines{"podcast\t8\t" + episode + "\tLow water\t\tTides\t\t\t\t\t\t\t\t"});
 }
 
 TEST_F(List, ShowsNoEpisodeThatAnIndexPlacesElsewhere) {

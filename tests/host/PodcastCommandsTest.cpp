@@ -33,7 +33,7 @@ class PodcastCommands : public HostTest {
     return umsctl(arguments);
   }
   Ended pushJson(const std::string& json) const {
-    return umsctl(podcast("push", {"--json", sandbox.file("channel.json", json)}));
+    return umsctl(podcast("push", {"--from-json", sandbox.file("channel.json", json)}));
   }
   Ended pushFeed(const std::string& bytes) const {
     return umsctl(podcast("push", {"--feed", sandbox.file("a.rss", bytes), "--episodes", casts}));
@@ -134,7 +134,7 @@ TEST_F(PodcastCommands, PushRefusesWhatIsNoPodcastBeforeAnythingIsWritten) {
   EXPECT_EQ(pushFeed("<rss><channel><title>T</title></channel></rss>").error,
             "umsctl: " + rss + ": the channel has no episodes\n");
   EXPECT_EQ(push().error, "umsctl: " + casts + ": none of the 2 episodes of the feed lies here\n");
-  EXPECT_EQ(umsctl(podcast("push", {"--json", sandbox.at("none")})).error,
+  EXPECT_EQ(umsctl(podcast("push", {"--from-json", sandbox.at("none")})).error,
             "umsctl: " + sandbox.at("none") + ": No such file or directory\n");
   EXPECT_EQ(treeOf(phone), Lines{});
 }
@@ -377,10 +377,11 @@ TEST_F(PodcastCommands, SendRefusesTheSameDeviceAndUnknownChannels) {
 TEST_F(PodcastCommands, SayWhatIsWrongWithTheCommandLine) {
   const std::pair<Lines, const char*> kRows[] = {
       {{"podcast"}, "a podcast command is missing: push, sync, ls, rm or send"},
-      {{"podcast", "push", "--json", "x"}, "no volume is given; name --internal DIR, --card DIR or both"},
-      {podcast("push", {}), "give either --feed FILE with --episodes DIR, or --json FILE"},
-      {podcast("push", {"--feed", "x", "--json", "y"}),
-       "give either --feed FILE with --episodes DIR, or --json FILE"},
+      {{"podcast", "push", "--from-json", "x"},
+       "no volume is given; name --internal DIR, --card DIR or both"},
+      {podcast("push", {}), "give either --feed FILE with --episodes DIR, or --from-json FILE"},
+      {podcast("push", {"--feed", "x", "--from-json", "y"}),
+       "give either --feed FILE with --episodes DIR, or --from-json FILE"},
       {podcast("sync", {"--feed", "x"}), "--feed needs --episodes DIR"},
   };
   for (const auto& [arguments, cause] : kRows) {
@@ -390,7 +391,7 @@ TEST_F(PodcastCommands, SayWhatIsWrongWithTheCommandLine) {
   }
   EXPECT_EQ(umsctl({"podcast", "dance"}).status, 2);
   EXPECT_EQ(umsctl(podcast("rm", {})).status, 2);
-  EXPECT_EQ(umsctl(podcast("push", {"--to", "3", "--json", sandbox.file("c.json", R"({"Title": "T",
+  EXPECT_EQ(umsctl(podcast("push", {"--to", "3", "--from-json", sandbox.file("c.json", R"({"Title": "T",
       "children": [{"FilePath": "x"}]})")}))
                 .status,
             3);
@@ -406,7 +407,7 @@ TEST_F(PodcastCommands, CtrlCEndsAPushInOrderAndKeepsTheIndexOfWhatWasCopied) {
     children += std::string(i == 0 ? "" : ",") + R"({"FilePath": ")" + path + R"(", "Url": ")" + path + "\"}";
   }
   std::string json = sandbox.file("c.json", R"({"Title": "News", "children": [)" + children + "]}");
-  RunningProgram running(podcast("push", {"--json", json}), {.smallOutputPipe = true});
+  RunningProgram running(podcast("push", {"--from-json", json}), {.smallOutputPipe = true});
   running.waitForOutput("\n");
   running.sendSignal(SIGINT);
   running.waitForError("umsctl: cancelling; once more to stop at once\n");

@@ -65,6 +65,7 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, const 
   signal(SIGPIPE, SIG_IGN);
   setenv("TERM", "xterm", 1);
   setenv("LC_ALL", "C.UTF-8", 1);
+  for (const auto& variable : setting.environment) setenv(variable.first.c_str(), variable.second.c_str(), 1);
   std::vector<char*> pointers{const_cast<char*>(setting.program.c_str())};
   for (const std::string& argument : arguments) pointers.push_back(const_cast<char*>(argument.c_str()));
   pointers.push_back(nullptr);
@@ -73,6 +74,7 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, const 
   } else {
     startWithPipes(setting, pointers.data());
   }
+  for (const auto& variable : setting.environment) unsetenv(variable.first.c_str());
 }
 
 RunningProgram::~RunningProgram() {
@@ -148,6 +150,11 @@ void RunningProgram::waitFor(const std::string& text, size_t times, int& descrip
 
 void RunningProgram::type(const std::string& text) {
   if (write(output_, text.data(), text.size()) != static_cast<ssize_t>(text.size())) giveUp("cannot type");
+}
+
+void RunningProgram::resize(unsigned short columns) {
+  winsize size{24, columns, 0, 0};
+  if (ioctl(output_, TIOCSWINSZ, &size) != 0) giveUp("cannot resize");
 }
 
 void RunningProgram::sendSignal(int number) {

@@ -3,6 +3,7 @@
 
 #include <sys/types.h>
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -14,7 +15,8 @@ struct Setting {
   unsigned short columns = 80;  ///< of the terminal
   bool withoutRootPowers = false;
   bool smallOutputPipe = false;  ///< holds one page, so that a reader who stops is soon felt
-  std::string folder;            ///< working folder; empty for the test's own
+  std::map<std::string, std::string> environment{};  ///< besides the test's own; over TERM and LC_ALL
+  std::string folder;                                ///< working folder; empty for the test's own
   std::string program = TEST_UMSCTL;
   std::string input;       ///< typed ahead on standard input, which then ends; pipes only
   std::string outputFile;  ///< standard output goes here instead
@@ -42,6 +44,8 @@ class RunningProgram {
   void waitForError(const std::string& text) { waitFor(text, 1, error_, ended_.error); }
   /// Types at the terminal; "\x03" is Ctrl-C.
   void type(const std::string& text);
+  /// Makes the terminal's window so many columns wide; the program is told as by any terminal.
+  void resize(unsigned short columns);
   void sendSignal(int number);
   /// Takes the reader of standard output away.
   void closeOutput();

@@ -46,7 +46,7 @@ TEST_F(Put, KeepsOrReplacesWhatIsThereAsThePolicySays) {
             (Lines{"skipped  " + there + "  (already there)", "0 copied (0 B), 1 skipped"}));
   EXPECT_EQ(bytesOf(there), "old");
   RunningProgram program(putting({mine, there}), {.atTerminal = true});
-  program.waitForOutput("mine.dat is already on the device. Replace it? (y/n/all/none) ");
+  program.waitForOutput("mine.dat is already on the device. Replace it? (y/n/all/none/quit) ");
   program.type("y\n");
   EXPECT_EQ(program.wait().status, 0);
   EXPECT_EQ(bytesOf(there), "mine");

@@ -130,7 +130,7 @@ TEST_F(Sync, AsksOnceForAllFilesOfAllKindsAfterAll) {
   std::vector<std::string> files;
   for (const char* name : {"in/a.mp3", "in/b.jpg", "in/c.mp3"}) files.push_back(sandbox.file(name, "new"));
   RunningProgram program(syncing(files), {.atTerminal = true});
-  program.waitForOutput("a.mp3 is already on the device. Replace it? (y/n/all/none) ");
+  program.waitForOutput("a.mp3 is already on the device. Replace it? (y/n/all/none/quit) ");
   program.type("all\n");
   Ended ended = program.wait();
   EXPECT_EQ(ended.status, 0);

@@ -54,27 +54,77 @@ TEST_F(Tags, OfASoundWithoutAnyAreItsNameAndLength) {
   EXPECT_EQ(tags->get("Duration").unsignedIntValue(), 2u);
 }
 
-TEST_F(Tags, OfAnImageAreItsNameAndSize) {
-  auto tags = read(media("sunrise.jpg"));
+TEST_F(Tags, OfAnImageAreItsPixelsAsShownDateAndCamera) {
+  auto tags = read(media("pier.jpg"));
   ASSERT_TRUE(tags);
-  EXPECT_EQ(tags->keys().size(), 3u);
-  EXPECT_EQ(tags->string("FileName"), "sunrise.jpg");
+  EXPECT_EQ(tags->string("FileName"), "pier.jpg");
+  EXPECT_EQ(tags->get("Width").unsignedIntValue(), 48u);  // taken upright, written lying down
+  EXPECT_EQ(tags->get("Height").unsignedIntValue(), 64u);
+  EXPECT_EQ(tags->string("DateTaken"), "2021-06-05 04:31:07");
+  EXPECT_EQ(tags->string("Camera"), "Tinbox Pocket 3");
+}
+
+TEST_F(Tags, OfAnImageThatNoCameraMadeAreItsPixels) {
+  for (const char* name : {"sunrise.jpg", "lighthouse.png"}) {
+    auto tags = read(media(name));
+    ASSERT_TRUE(tags);
+    EXPECT_EQ(tags->get("Width").unsignedIntValue(), 96u);
+    EXPECT_EQ(tags->get("Height").unsignedIntValue(), 64u);
+    EXPECT_EQ(tags->keys().size(), 5u);
+  }
+}
+
+TEST_F(Tags, OfAnImageLeaveOutWhatTheCameraDidNotKnow) {
+  std::string bytes = bytesOf(media("pier.jpg"));
+  bytes.replace(bytes.find("2021:06:05"), 10, "0000:00:00");
+  bytes.replace(bytes.find("Pocket 3"), 8, "\xff\xfe\xff\xfe\xff\xfe\xff\xfe");
+  auto tags = read(sandbox.file("odd.jpg", bytes));
+  ASSERT_TRUE(tags);
+  EXPECT_FALSE(tags->contains("DateTaken"));
+  EXPECT_EQ(tags->string("Camera"), "Tinbox");
+}
+
+TEST_F(Tags, OfAVideoAreItsLengthPixelsAndCodecs) {
+  auto tags = read(media("harbour.mp4"));
+  ASSERT_TRUE(tags);
+  EXPECT_EQ(tags->get("Duration").unsignedIntValue(), 3u);
+  EXPECT_EQ(tags->get("Width").unsignedIntValue(), 128u);
+  EXPECT_EQ(tags->get("Height").unsignedIntValue(), 96u);
+  EXPECT_EQ(tags->string("VideoCodec"), "AVC");
+  EXPECT_EQ(tags->string("AudioCodec"), "AAC");
+}
+
+TEST_F(Tags, AreReadFromFilesWhoseNamesAreNoUtf8) {
+  EXPECT_TRUE(read(sandbox.file("caf\xe9.jpg", bytesOf(media("pier.jpg"))))->contains("Camera"));
+  EXPECT_TRUE(read(sandbox.file("caf\xe9.mp4", bytesOf(media("harbour.mp4"))))->contains("VideoCodec"));
+}
+
+TEST_F(Tags, OfAKindThatNobodyReadsAreTheNameAndSize) {
+  for (const char* name : {"old.wbmp", "ring.imy"}) {
+    auto tags = read(sandbox.file(name, "anything"));
+    ASSERT_TRUE(tags);
+    EXPECT_EQ(tags->keys().size(), 3u);
+  }
 }
 
 TEST_F(Tags, AreAbsentForFilesThatAreBrokenMissingOrNoFiles) {
   for (const char* name :
-       {"noise.mp3", "noise.flac", "noise.m4a", "noise.mp4", "noise.ogg", "noise.wma", "noise.wav"}) {
+       {"noise.mp3", "noise.flac", "noise.m4a", "noise.mp4", "noise.ogg", "noise.wma", "noise.wav",
+        "noise.jpg", "noise.png", "noise.gif", "noise.bmp", "noise.mkv", "noise.avi", "noise.3gp"}) {
     EXPECT_FALSE(read(sandbox.patternFile(name, 5000))) << name;
     EXPECT_FALSE(read(sandbox.file(name, ""))) << name;
   }
   EXPECT_FALSE(read(sandbox.at("missing.mp3")));
   EXPECT_FALSE(read(sandbox.folder("album.mp3")));
-  ASSERT_EQ(mkfifo(sandbox.at("pipe.mp3").c_str(), 0600), 0);
-  EXPECT_FALSE(read(sandbox.at("pipe.mp3")));
+  for (const char* name : {"pipe.mp3", "pipe.jpg", "pipe.mp4"}) {
+    ASSERT_EQ(mkfifo(sandbox.at(name).c_str(), 0600), 0);
+    EXPECT_FALSE(read(sandbox.at(name))) << name;
+  }
 }
 
 TEST_F(Tags, OfCutAndDamagedFilesNeverBringTheProgramDown) {
-  for (const std::string name : {"morning-tone.mp3", "evening-tone.flac", "paper-boat.m4a", "harbour.mp4"}) {
+  for (const std::string name : {"morning-tone.mp3", "evening-tone.flac", "paper-boat.m4a", "harbour.mp4",
+                                 "pier.jpg", "lighthouse.png"}) {
     const std::string whole = bytesOf(media(name));
     uint32_t random = 12345;
     for (size_t round = 0; round < 120; ++round) {

@@ -57,10 +57,14 @@ TEST_F(Terminal, NeverDrawsALineThatRunsOverTheEdge) {
 }
 
 TEST_F(Terminal, NamesFailuresBelowTheBar) {
-  Ended ended = umsctl(pushing({"missing.mp3", media("sunrise.jpg")}), {.atTerminal = true});
+  Ended ended = umsctl(pushing({"--no-color", "missing.mp3", media("sunrise.jpg")}), {.atTerminal = true});
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(drawings(ended.output).back(),
-            "umsctl: missing.mp3: No such file or directory\r\n1 copied (1.0 kB), 1 failed\r\n");
+            "umsctl: 1 failed:\r\n"
+            "  FILE         NUMBER      CAUSE                      WHAT TO DO\r\n"
+            "  missing.mp3  0x23000005  No such file or directory  check the name and its\r\n"
+            "                                                      permissions\r\n"
+            "1 copied (1.0 kB), 1 failed\r\n");
 }
 
 }  // namespace

@@ -8,8 +8,7 @@
 
 namespace umsctl {
 
-/// Runs what the arguments (without the program's name) ask for. Throws `Refusal` where a command cannot go
-/// on.
+/// Runs what the arguments (without the program's name) ask for, and tells of whatever ends it.
 ExitStatus runCommandLine(const std::vector<std::string>& arguments);
 
 }  // namespace umsctl

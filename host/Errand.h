@@ -1,0 +1,33 @@
+/// What a command is handed besides its own options: how the person wants it done, to whom it tells what
+/// happens, and the files it works on.
+///
+/// Made by the command line for one command and outlives it. Safe from any thread.
+#pragma once
+
+#include <memory>
+
+#include "Events.h"
+#include "Wishes.h"
+#include "rehearsal/RehearsedFiles.h"
+
+namespace umsctl {
+
+class Errand {
+ public:
+  explicit Errand(const Wishes& wishes);
+
+  const Wishes& wishes() const { return wishes_; }
+  Events& events() const { return *events_; }
+  /// The running system's files. A dry run has files on which every change is only noted down.
+  const std::shared_ptr<umsservice::FileSystem>& files() const { return files_; }
+  /// Those of a dry run; null for a run that changes files.
+  const std::shared_ptr<RehearsedFiles>& rehearsal() const { return rehearsal_; }
+
+ private:
+  const Wishes wishes_;
+  const std::unique_ptr<Events> events_;
+  const std::shared_ptr<RehearsedFiles> rehearsal_;
+  const std::shared_ptr<umsservice::FileSystem> files_;
+};
+
+}  // namespace umsctl
