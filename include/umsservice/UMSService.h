@@ -19,6 +19,7 @@
 #include <thread>
 
 #include "umsservice/Environment.h"
+#include "umsservice/Export.h"
 #include "umsservice/OVFileService.h"
 #include "umsservice/OVUmsDeviceNotifier.h"
 #include "umsservice/QDDeviceConfirmDelegate.h"
@@ -26,7 +27,7 @@
 
 namespace umsservice {
 
-class UMSService final : public OVFileService, public TransferCallback {
+class UMS_EXPORT UMSService final : public OVFileService, public TransferCallback {
  public:
   // ---------------------------------------------------------------- core: life and identity
 
@@ -308,7 +309,7 @@ class UMSService final : public OVFileService, public TransferCallback {
   bool doDeviceToDevicePodcast(const _serviceinfo& serviceInfo);
 
  private:
-  struct Rooms;
+  struct UMS_HIDDEN Rooms;
 
   void startWorker();
   static void serveQueue(const std::shared_ptr<Rooms>& rooms);
