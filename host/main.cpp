@@ -7,9 +7,9 @@
 #include <exception>
 #include <system_error>
 
-#include "CommandLine.h"
 #include "Output.h"
 #include "Refusal.h"
+#include "line/CommandLine.h"
 
 namespace {
 

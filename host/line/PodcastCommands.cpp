@@ -1,16 +1,11 @@
-#include "podcast/PodcastLine.h"
-
-#include <CLI/CLI.hpp>
-
 #include "commands/PodcastList.h"
 #include "commands/PodcastPush.h"
 #include "commands/PodcastRemove.h"
 #include "commands/PodcastSend.h"
+#include "line/SharedOptions.h"
 
 namespace umsctl {
 namespace {
-
-using Command = std::function<ExitStatus()>;
 
 constexpr auto kInputEnding =
     "FEED is an RSS 2.0 feed; each episode's file is looked for in the folder of the\n"
@@ -28,18 +23,6 @@ constexpr auto kRemoveEnding =
     "Without episodes the whole channel goes, its folder with everything in it. Without\n"
     "a terminal nothing is deleted unless --yes is given.";
 
-template <typename Options>
-std::shared_ptr<Options> optionsOf(CLI::App& command, Command& chosen, ExitStatus (*run)(const Options&)) {
-  auto options = std::make_shared<Options>();
-  command.parse_complete_callback([options, run, &chosen] { chosen = [=] { return run(*options); }; });
-  return options;
-}
-
-void requireVolumes(const VolumeFolders& volumes) {
-  if (volumes.none())
-    throw CLI::ValidationError("no volume is given; name --internal DIR, --card DIR or both");
-}
-
 void addInput(CLI::App& command, PodcastInput& input) {
   command.add_option("--feed", input.feed, "Feed of the channel")->type_name("FILE");
   command.add_option("--episodes", input.episodes, "Folder of the downloaded episodes")->type_name("DIR");
@@ -52,17 +35,17 @@ void requireInput(const PodcastInput& input) {
   if (input.feed && !input.episodes) throw CLI::ValidationError("--feed needs --episodes DIR");
 }
 
-void addPushing(CLI::App& podcast, Command& chosen, const SharedOptions& shared, bool isSync) {
+void addPushing(CLI::App& podcast, Command& chosen, bool isSync) {
   CLI::App& command = *podcast.add_subcommand(
       isSync ? "sync" : "push",
       isSync ? "Copy episodes to whichever volume has room" : "Copy episodes from the computer to a volume");
   auto options = optionsOf(command, chosen, isSync ? podcastSync : podcastPush);
-  shared.addVolumes(command, options->volumes, false);
+  addVolumes(command, options->volumes, false);
   command
       .add_option(isSync ? "--first" : "--to", options->to,
                   isSync ? "Volume to begin with; 0 unless said" : "Volume to copy to; 0 unless said")
       ->type_name("0|1");
-  shared.addOnConflict(command, options->onConflict);
+  addOnConflict(command, options->onConflict);
   addInput(command, options->input);
   command.callback([options = options.get()] {
     requireVolumes(options->volumes);
@@ -71,26 +54,26 @@ void addPushing(CLI::App& podcast, Command& chosen, const SharedOptions& shared,
   command.footer(kInputEnding);
 }
 
-void addPush(CLI::App& podcast, Command& chosen, const SharedOptions& shared) {
-  addPushing(podcast, chosen, shared, false);
+void addPush(CLI::App& podcast, Command& chosen) {
+  addPushing(podcast, chosen, false);
 }
 
-void addSync(CLI::App& podcast, Command& chosen, const SharedOptions& shared) {
-  addPushing(podcast, chosen, shared, true);
+void addSync(CLI::App& podcast, Command& chosen) {
+  addPushing(podcast, chosen, true);
 }
 
-void addList(CLI::App& podcast, Command& chosen, const SharedOptions& shared) {
+void addList(CLI::App& podcast, Command& chosen) {
   CLI::App& command = *podcast.add_subcommand("ls", "Show channels and episodes with date, duration, size");
   auto options = optionsOf(command, chosen, podcastList);
-  shared.addVolumes(command, *options, true);
+  addVolumes(command, *options, true);
 }
 
-void addRemove(CLI::App& podcast, Command& chosen, const SharedOptions& shared) {
+void addRemove(CLI::App& podcast, Command& chosen) {
   CLI::App& command = *podcast.add_subcommand("rm", "Delete a channel, or some of its episodes");
   auto options = optionsOf(command, chosen, podcastRemove);
-  shared.addVolumes(command, options->volumes, true);
+  addVolumes(command, options->volumes, true);
   command.add_option("--on", options->on, "Volume of the channel; 0 unless said")->type_name("0|1");
-  command.add_flag("-y,--yes", options->isAgreed, "Delete without a question");
+  addYes(command, options->isAgreed);
   command.add_option("CHANNEL", options->channel, "Title or folder of the channel")
       ->required()
       ->type_name("");
@@ -98,31 +81,26 @@ void addRemove(CLI::App& podcast, Command& chosen, const SharedOptions& shared) 
   command.footer(kRemoveEnding);
 }
 
-void addSend(CLI::App& podcast, Command& chosen, const SharedOptions& shared) {
+void addSend(CLI::App& podcast, Command& chosen) {
   CLI::App& command = *podcast.add_subcommand("send", "Copy channels from one device to another");
   auto options = optionsOf(command, chosen, podcastSend);
-  auto* internal = command.add_option("--from-internal", options->from.internal,
-                                      "Folder of the sending device's internal memory");
-  auto* card = command.add_option("--from-card", options->from.card, "Folder of its memory card");
-  for (auto* option : {internal, card}) option->type_name("DIR");
+  addSendingVolumes(command, options->from);
   command.add_option("--on", options->on, "Volume of the channels; 0 unless said")->type_name("0|1");
-  shared.addVolumes(command, options->volumes, false);
+  addVolumes(command, options->volumes, false);
   command.add_option("--to", options->to, "Volume to copy to; 0 unless said")->type_name("0|1");
-  shared.addOnConflict(command, options->onConflict);
+  addOnConflict(command, options->onConflict);
   command.add_option("CHANNEL", options->channels, "Titles or folders of the channels")
       ->required()
       ->type_name("");
   command.callback([options = options.get()] {
-    if (options->from.none())
-      throw CLI::ValidationError(
-          "no sending volume is given; name --from-internal DIR, --from-card DIR or both");
+    requireSendingVolumes(options->from);
     requireVolumes(options->volumes);
   });
 }
 
 }  // namespace
 
-void addPodcast(CLI::App& app, Command& chosen, const SharedOptions& shared) {
+void addPodcastCommands(CLI::App& app, Command& chosen) {
   CLI::App& podcast = *app.add_subcommand("podcast", "Bring podcasts to the device; see podcast --help");
   podcast.group("Commands");
   podcast.require_subcommand(0, 1);
@@ -130,7 +108,7 @@ void addPodcast(CLI::App& app, Command& chosen, const SharedOptions& shared) {
     if (podcast.get_subcommands().empty() && podcast.remaining().empty())
       throw CLI::ValidationError("a podcast command is missing: push, sync, ls, rm or send");
   });
-  for (auto add : {addPush, addSync, addList, addRemove, addSend}) add(podcast, chosen, shared);
+  for (auto add : {addPush, addSync, addList, addRemove, addSend}) add(podcast, chosen);
 }
 
 }  // namespace umsctl
