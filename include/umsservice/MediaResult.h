@@ -16,7 +16,7 @@
 
 namespace umsservice {
 
-struct MediaResult {
+struct UMS_EXPORT MediaResult {
   uint32_t serviceID = 0;               ///< the host's number of the request
   MediaType mediaType = kMediaUnknown;  ///< a code without a name of its own stays as it is
   uint32_t volumeIndex = 0;             ///< 0-based
@@ -33,9 +33,9 @@ struct MediaResult {
   bool isDone() const { return resultStatus == kItemTransferred; }
 
   /// From the dictionary of such a notification.
-  UMS_EXPORT static MediaResult read(const Dictionary& userInfo);
+  static MediaResult read(const Dictionary& userInfo);
   /// From a notification of any name; absent for another one.
-  UMS_EXPORT static std::optional<MediaResult> read(const Notification& notification);
+  static std::optional<MediaResult> read(const Notification& notification);
 };
 
 }  // namespace umsservice

@@ -15,7 +15,7 @@
 
 namespace umsservice {
 
-struct RequestResult {
+struct UMS_EXPORT RequestResult {
   uint32_t serviceID = 0;           ///< the host's number of the request
   int32_t eventType = 0;            ///< always 1
   ErrorNumber status = kErrorNone;  ///< of the command
@@ -29,9 +29,9 @@ struct RequestResult {
   bool isDone() const { return status == kErrorNone; }
 
   /// From the dictionary of such a notification.
-  UMS_EXPORT static RequestResult read(const Dictionary& userInfo);
+  static RequestResult read(const Dictionary& userInfo);
   /// From a notification of any name; absent for another one.
-  UMS_EXPORT static std::optional<RequestResult> read(const Notification& notification);
+  static std::optional<RequestResult> read(const Notification& notification);
 };
 
 }  // namespace umsservice

@@ -16,7 +16,7 @@
 
 namespace umsservice {
 
-struct TransferProgress {
+struct UMS_EXPORT TransferProgress {
   uint32_t serviceID = 0;               ///< the host's number of the request
   MediaType mediaType = kMediaUnknown;  ///< a code without a name of its own stays as it is
   uint32_t current = 0;  ///< 1-based number of the file in hand; 0 for a request that never ran
@@ -34,9 +34,9 @@ struct TransferProgress {
   bool isEnd() const { return transferStatus == kTransferFinished || transferStatus == kTransferCancelled; }
 
   /// From the dictionary of such a notification.
-  UMS_EXPORT static TransferProgress read(const Dictionary& userInfo);
+  static TransferProgress read(const Dictionary& userInfo);
   /// From a notification of any name; absent for another one.
-  UMS_EXPORT static std::optional<TransferProgress> read(const Notification& notification);
+  static std::optional<TransferProgress> read(const Notification& notification);
 };
 
 }  // namespace umsservice

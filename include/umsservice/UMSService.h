@@ -311,8 +311,8 @@ class UMS_EXPORT UMSService final : public OVFileService, public TransferCallbac
  private:
   struct UMS_HIDDEN Rooms;
 
-  void startWorker();
-  static void serveQueue(const std::shared_ptr<Rooms>& rooms);
+  UMS_HIDDEN void startWorker();
+  UMS_HIDDEN static void serveQueue(const std::shared_ptr<Rooms>& rooms);
   /// The rooms, kept for the length of a call: a handler inside it may let go of the service.
   std::shared_ptr<Rooms> rooms() const { return rooms_; }
 
