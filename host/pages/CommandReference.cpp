@@ -37,20 +37,37 @@ std::string argumentTable(const CommandEntry& command) {
   return table("argument", rows);
 }
 
-std::string optionTable(const CommandEntry& command) {
-  std::string rows;
-  for (const OptionEntry& option : command.options) {
-    std::string names = joined(option.names, ", ") + (option.value.empty() ? "" : " " + option.value);
-    rows += row(code(names), escapedForCell(option.about) + (option.isRequired ? " (must be given)" : ""));
+std::string optionRow(const OptionEntry& option) {
+  std::string names = joined(option.names, ", ") + (option.value.empty() ? "" : " " + option.value);
+  return row(code(names), escapedForCell(option.about) + (option.isRequired ? " (must be given)" : ""));
+}
+
+std::string optionTables(const CommandEntry& command) {
+  std::string tables;
+  for (const auto& group : groupsOf(command)) {
+    std::string rows;
+    for (const OptionEntry& option : group) rows += optionRow(option);
+    const std::string& title = group.front().group;
+    tables += table(title == "Options" ? "option" : escapedForCell(title), rows);
   }
-  return table("option", rows);
+  return tables;
+}
+
+/// Outside of examples a star or an angle bracket would be markup.
+std::string escapedForProse(const std::string& text) {
+  std::string escaped;
+  for (char letter : text) {
+    if (letter == '*' || letter == '<' || letter == '`') escaped += '\\';
+    escaped += letter;
+  }
+  return escaped;
 }
 
 std::string prose(const std::string& text) {
   std::string page;
   for (const Block& block : blocksOf(text)) {
-    std::string indent = block.isExample ? "    " : "";
-    for (const std::string& line : block.lines) page += indent + line + "\n";
+    for (const std::string& line : block.lines)
+      page += (block.isExample ? "    " + line : escapedForProse(line)) + "\n";
     page += "\n";
   }
   return page;
@@ -71,7 +88,7 @@ std::string chapter(const CommandEntry& command) {
   std::string page = "## " + command.title() + "\n\n";
   if (!command.words.empty()) page += command.about + ".\n\n";
   page += "    " + command.title() + " " + synopsisOf(command) + "\n\n";
-  return page + argumentTable(command) + optionTable(command) + prose(command.ending);
+  return page + argumentTable(command) + optionTables(command) + prose(command.ending);
 }
 
 }  // namespace

@@ -1,6 +1,8 @@
 #include "pages/CommandTree.h"
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
+#include <sstream>
 
 #include "line/Commands.h"
 
@@ -14,6 +16,7 @@ OptionEntry optionEntry(const CLI::Option& option) {
   bool takesValue = option.get_items_expected_max() > 0;
   if (takesValue) entry.value = option.get_type_name().empty() ? "VALUE" : option.get_type_name();
   entry.about = option.get_description();
+  entry.group = option.get_group();
   entry.isRequired = option.get_required();
   return entry;
 }
@@ -67,6 +70,17 @@ std::string joined(const std::vector<std::string>& words, const std::string& sep
   std::string text;
   for (const std::string& word : words) text += (text.empty() ? "" : separator) + word;
   return text;
+}
+
+std::vector<std::vector<OptionEntry>> groupsOf(const CommandEntry& command) {
+  std::vector<std::vector<OptionEntry>> groups;
+  for (const OptionEntry& option : command.options) {
+    auto same = [&option](const auto& group) { return group.front().group == option.group; };
+    auto group = std::find_if(groups.begin(), groups.end(), same);
+    if (group == groups.end()) group = groups.insert(groups.end(), std::vector<OptionEntry>{});
+    group->push_back(option);
+  }
+  return groups;
 }
 
 std::string synopsisOf(const CommandEntry& command) {

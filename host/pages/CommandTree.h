@@ -14,6 +14,7 @@ struct OptionEntry {
   std::vector<std::string> names;  ///< with their dashes, short ones first
   std::string value;               ///< "DIR", "FILE", "0|1", ...; empty for a flag
   std::string about;
+  std::string group;  ///< the heading in --help; "Options" unless the command says more
   bool isRequired = false;
 };
 
@@ -52,6 +53,9 @@ std::vector<std::string> choicesOf(const std::string& value);
 
 /// Words with a separator between them.
 std::string joined(const std::vector<std::string>& words, const std::string& separator);
+
+/// The options by their groups, both in the order of --help.
+std::vector<std::vector<OptionEntry>> groupsOf(const CommandEntry& command);
 
 /// Options that must be given, then what stands for the others, then the arguments: "--into DIR [OPTION]...
 /// FILE...".

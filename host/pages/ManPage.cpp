@@ -62,12 +62,17 @@ std::string entry(const std::string& title, const std::string& about) {
   return ".TP\n" + title + "\n" + escapedForRoff(about) + "\n";
 }
 
+std::string optionEntry(const OptionEntry& option) {
+  std::string title;
+  for (const std::string& name : option.names) title += (title.empty() ? "" : ", ") + bold(name);
+  return entry(title + (option.value.empty() ? "" : " " + italic(option.value)), option.about);
+}
+
 std::string options(const CommandEntry& command) {
   std::string page;
-  for (const OptionEntry& option : command.options) {
-    std::string title;
-    for (const std::string& name : option.names) title += (title.empty() ? "" : ", ") + bold(name);
-    page += entry(title + (option.value.empty() ? "" : " " + italic(option.value)), option.about);
+  for (const auto& group : groupsOf(command)) {
+    if (group.front().group != "Options") page += ".SS " + escapedForRoff(group.front().group) + "\n";
+    for (const OptionEntry& option : group) page += optionEntry(option);
   }
   return page;
 }
