@@ -22,6 +22,8 @@ function(ums_room name folder)
   add_library(${name} OBJECT ${room_SOURCES})
   target_include_directories(${name} PUBLIC "${CMAKE_CURRENT_SOURCE_DIR}/${folder}" "${PROJECT_SOURCE_DIR}/include")
   target_link_libraries(${name} PUBLIC ${room_NEEDS})
+  # Of the library that people install, only what the public headers mark is seen from outside.
+  set_target_properties(${name} PROPERTIES CXX_VISIBILITY_PRESET hidden VISIBILITY_INLINES_HIDDEN ON)
   ums_precompile(${name} REUSE_FROM ums_platform)
   set_property(GLOBAL APPEND PROPERTY UMS_ROOMS ${name})
 endfunction()

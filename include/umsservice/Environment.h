@@ -6,6 +6,7 @@
 
 #include <memory>
 
+#include "umsservice/Export.h"
 #include "umsservice/FileSystem.h"
 #include "umsservice/ItemObserver.h"
 #include "umsservice/Log.h"
@@ -16,7 +17,7 @@
 
 namespace umsservice {
 
-struct Environment {
+struct UMS_EXPORT Environment {
   std::shared_ptr<FileSystem> fileSystem;                  ///< required
   std::shared_ptr<NotificationCenter> notificationCenter;  ///< required
   std::shared_ptr<LogSink> logSink;                        ///< required

@@ -1,6 +1,7 @@
 /// The error numbers that requests and items end with, as "Status" and "ResultStatus" carry them.
 /// The high byte tells the class: 0x10 transfer conditions, 0x11 reading, 0x13 direct write, 0x14 media
-/// type, 0x20 file system, 0x21 existing file or file handle, 0x23 bad request content.
+/// type, 0x20 file system, 0x21 existing file or file handle, 0x23 bad request content. `ErrorDescriptions.h`
+/// has names and texts.
 #pragma once
 
 #include <cstdint>

@@ -15,10 +15,12 @@
 #include <variant>
 #include <vector>
 
+#include "umsservice/Export.h"
+
 namespace umsservice {
 
 /// Why a call on files failed.
-struct FileError {
+struct UMS_EXPORT FileError {
   /// What was being done; the same cause has another code on reading than on writing.
   enum class Action { Reading, Writing };
 
@@ -90,7 +92,7 @@ struct WriteOutcome {
 };
 
 /// An open file; destruction closes it.
-class FileHandle {
+class UMS_EXPORT FileHandle {
  public:
   virtual ~FileHandle() = default;
   /// Reads at most `size` bytes from the current position; 0 means the end of the file.
@@ -123,7 +125,7 @@ class FolderHandle {
 };
 
 /// The operations on paths.
-class FileSystem {
+class UMS_EXPORT FileSystem {
  public:
   virtual ~FileSystem() = default;
 
@@ -173,6 +175,6 @@ class FileSystem {
 };
 
 /// The running system's files.
-std::shared_ptr<FileSystem> posixFileSystem();
+UMS_EXPORT std::shared_ptr<FileSystem> posixFileSystem();
 
 }  // namespace umsservice

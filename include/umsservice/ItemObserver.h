@@ -7,6 +7,7 @@
 #include <cstdint>
 #include <string>
 
+#include "umsservice/Export.h"
 #include "umsservice/Value.h"
 
 namespace umsservice {
@@ -35,7 +36,7 @@ struct ItemOutcome {
 /// Threading: called on the thread that runs the request (the service's worker). Locking: no lock is held but
 /// the service's synchronized section.
 /// Exceptions: none may leave the observer.
-class ItemObserver {
+class UMS_EXPORT ItemObserver {
  public:
   virtual ~ItemObserver() = default;
   virtual void itemCounted(const ItemOutcome& outcome) = 0;

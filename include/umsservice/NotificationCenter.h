@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 
+#include "umsservice/Export.h"
 #include "umsservice/Value.h"
 
 namespace umsservice {
@@ -21,7 +22,7 @@ struct Notification {
   Dictionary userInfo;
 };
 
-class NotificationCenter {
+class UMS_EXPORT NotificationCenter {
  public:
   using Handler = std::function<void(const Notification&)>;
   /// Names one registration; never reused within a center.
@@ -36,9 +37,9 @@ class NotificationCenter {
 };
 
 /// A new center of its own.
-std::shared_ptr<NotificationCenter> makeNotificationCenter();
+UMS_EXPORT std::shared_ptr<NotificationCenter> makeNotificationCenter();
 
 /// The process-wide center; `Environment::forRunningSystem` uses it.
-std::shared_ptr<NotificationCenter> defaultNotificationCenter();
+UMS_EXPORT std::shared_ptr<NotificationCenter> defaultNotificationCenter();
 
 }  // namespace umsservice

@@ -1,4 +1,5 @@
-/// Names, keys and status codes of the three notifications. Number widths are given for each key.
+/// Names, keys and status codes of the three notifications. Number widths are given for each key. Hosts that
+/// want structs instead read `TransferProgress.h`, `MediaResult.h` and `RequestResult.h`.
 #pragma once
 
 #include <cstdint>

@@ -4,18 +4,19 @@
 #include <cstdint>
 #include <memory>
 
+#include "umsservice/Export.h"
 #include "umsservice/Value.h"
 
 namespace umsservice {
 
 /// Base of the context objects that travel with a direct transfer; the callback gets back what was given.
-class TransferContext {
+class UMS_EXPORT TransferContext {
  public:
   virtual ~TransferContext() = default;
 };
 
 /// Hears of a direct transfer after each 4096 bytes, on the thread that copies; NO stops the copy.
-class TransferCallback {
+class UMS_EXPORT TransferCallback {
  public:
   virtual ~TransferCallback() = default;
   /// Sizes in bytes, cut to 32 bits; the current size counts from the start of the file.
@@ -28,7 +29,7 @@ class TransferCallback {
 
 /// The part of the file-service protocol that a source device's service uses on the destination device's
 /// service during a device-to-device copy. `UMSService` is one; a host may supply others.
-class OVFileService {
+class UMS_EXPORT OVFileService {
  public:
   virtual ~OVFileService() = default;
   /// The device's volumes (see `UMSService::diskInformation`), or nothing.

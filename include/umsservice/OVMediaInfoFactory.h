@@ -4,12 +4,13 @@
 #include <memory>
 #include <string>
 
+#include "umsservice/Export.h"
 #include "umsservice/Value.h"
 
 namespace umsservice {
 
 /// Reads the tags of one file.
-class OVMediaInfoBuilder {
+class UMS_EXPORT OVMediaInfoBuilder {
  public:
   virtual ~OVMediaInfoBuilder() = default;
   /// A new dictionary that the caller may change, or nothing when the file has no readable tags. The service
@@ -18,7 +19,7 @@ class OVMediaInfoBuilder {
 };
 
 /// Finds a reader for a file. Asked from the worker threads and from the host's threads.
-class OVMediaInfoFactory {
+class UMS_EXPORT OVMediaInfoFactory {
  public:
   virtual ~OVMediaInfoFactory() = default;
   /// Null when the file is of no known kind.

@@ -9,11 +9,12 @@
 #include <memory>
 
 #include "umsservice/Environment.h"
+#include "umsservice/Export.h"
 #include "umsservice/OVFileService.h"
 
 namespace umsservice {
 
-class OVUmsDeviceNotifier final : public TransferContext {
+class UMS_EXPORT OVUmsDeviceNotifier final : public TransferContext {
  public:
   /// Everything zero or absent but the current file (1) and the result (0x10000001).
   explicit OVUmsDeviceNotifier(const Environment& environment);
@@ -114,7 +115,7 @@ class OVUmsDeviceNotifier final : public TransferContext {
   void setPodcastXmlData(const MaybeDictionary& value);
 
  private:
-  struct State;
+  struct UMS_HIDDEN State;
   std::unique_ptr<State> state_;
 };
 

@@ -8,12 +8,13 @@
 #include <memory>
 #include <string>
 
+#include "umsservice/Export.h"
 #include "umsservice/FileSystem.h"
 #include "umsservice/Value.h"
 
 namespace umsservice {
 
-class PlacementRules {
+class UMS_EXPORT PlacementRules {
  public:
   virtual ~PlacementRules() = default;
 
@@ -35,10 +36,10 @@ class PlacementRules {
 /// "/Volumes/CARD/Music/a.mp3"; a path elsewhere belongs to the root file system, "//". A sync joins volume
 /// and folder with nothing between; a fall-over stays on the failed volume's path, with the candidate's
 /// folder.
-std::shared_ptr<const PlacementRules> hostPlacementRules();
+UMS_EXPORT std::shared_ptr<const PlacementRules> hostPlacementRules();
 
 /// The volume is the mount point of the nearest existing folder on the path's way up. A sync puts a separator
 /// where the folder does not begin with one; a fall-over goes to the candidate volume itself.
-std::shared_ptr<const PlacementRules> devicePlacementRules();
+UMS_EXPORT std::shared_ptr<const PlacementRules> devicePlacementRules();
 
 }  // namespace umsservice

@@ -10,10 +10,11 @@
 #include <string_view>
 
 #include "umsservice/Environment.h"
+#include "umsservice/Export.h"
 
 namespace umsservice {
 
-class PodcastXMLConverter {
+class UMS_EXPORT PodcastXMLConverter {
  public:
   /// Takes the log seams from the environment.
   explicit PodcastXMLConverter(const Environment& environment);
@@ -34,7 +35,7 @@ class PodcastXMLConverter {
   std::optional<size_t> positionOfPodcastEpisode(const Dictionary& episode, std::string_view document) const;
 
  private:
-  struct Parts;
+  struct UMS_HIDDEN Parts;
   const std::unique_ptr<const Parts> parts_;
 };
 

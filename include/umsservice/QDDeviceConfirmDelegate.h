@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "umsservice/Export.h"
 #include "umsservice/OVFileService.h"
 
 namespace umsservice {
@@ -11,7 +12,7 @@ namespace umsservice {
 /// `confirmOverwrite` is called on the worker thread, `getFileServiceObject` on the worker and on the thread
 /// that queues a device-to-device request. No lock is held but, on the worker, the service's synchronized
 /// section. The service does not own its delegate.
-class QDDeviceConfirmDelegate {
+class UMS_EXPORT QDDeviceConfirmDelegate {
  public:
   virtual ~QDDeviceConfirmDelegate() = default;
   /// Asked when a file already exists. Answer NO to skip this and every later conflict of the run;

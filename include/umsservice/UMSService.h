@@ -19,6 +19,7 @@
 #include <thread>
 
 #include "umsservice/Environment.h"
+#include "umsservice/Export.h"
 #include "umsservice/OVFileService.h"
 #include "umsservice/OVUmsDeviceNotifier.h"
 #include "umsservice/QDDeviceConfirmDelegate.h"
@@ -26,7 +27,7 @@
 
 namespace umsservice {
 
-class UMSService final : public OVFileService, public TransferCallback {
+class UMS_EXPORT UMSService final : public OVFileService, public TransferCallback {
  public:
   // ---------------------------------------------------------------- core: life and identity
 
@@ -308,10 +309,10 @@ class UMSService final : public OVFileService, public TransferCallback {
   bool doDeviceToDevicePodcast(const _serviceinfo& serviceInfo);
 
  private:
-  struct Rooms;
+  struct UMS_HIDDEN Rooms;
 
-  void startWorker();
-  static void serveQueue(const std::shared_ptr<Rooms>& rooms);
+  UMS_HIDDEN void startWorker();
+  UMS_HIDDEN static void serveQueue(const std::shared_ptr<Rooms>& rooms);
   /// The rooms, kept for the length of a call: a handler inside it may let go of the service.
   std::shared_ptr<Rooms> rooms() const { return rooms_; }
 

@@ -16,6 +16,8 @@
 #include <variant>
 #include <vector>
 
+#include "umsservice/Export.h"
+
 namespace umsservice {
 
 /// Text that may be absent. Absent ("nil") and empty are different answers throughout the library.
@@ -24,10 +26,10 @@ using MaybeString = std::optional<std::string>;
 /// Uninterpreted bytes, for example a cover picture.
 using Data = std::vector<std::byte>;
 
-class Array;
-class ArrayStorage;
-class Dictionary;
-class DictionaryStorage;
+class UMS_EXPORT Array;
+class UMS_EXPORT ArrayStorage;
+class UMS_EXPORT Dictionary;
+class UMS_EXPORT DictionaryStorage;
 
 /// The object that stands for "no value" inside a container, where nil cannot be stored by a host.
 struct Null {
@@ -36,7 +38,7 @@ struct Null {
 
 /// An object of the host's frameworks that is no property-list value, for example a date or an image. The
 /// library passes it on untouched; in a document or a log line it stands by its description.
-class ForeignObject {
+class UMS_EXPORT ForeignObject {
  public:
   virtual ~ForeignObject() = default;
   virtual std::string description() const = 0;
@@ -45,7 +47,7 @@ class ForeignObject {
 };
 
 /// One property-list value. Nil is the default.
-class Value {
+class UMS_EXPORT Value {
  public:
   /// What a value holds (`Absent` is nil, a name that the desktop's headers have taken); numbers keep the
   /// width and the signedness that they were made with.
@@ -146,7 +148,7 @@ class Value {
 
 /// What an `Array` refers to. A host may supply its own, for example over an array of its frameworks;
 /// every call must be safe from any thread.
-class ArrayStorage {
+class UMS_EXPORT ArrayStorage {
  public:
   virtual ~ArrayStorage() = default;
   virtual size_t count() const = 0;
@@ -165,7 +167,7 @@ class ArrayStorage {
 };
 
 /// A reference to a mutable, ordered list of values; indexes are 0-based.
-class Array {
+class UMS_EXPORT Array {
  public:
   /// A new, empty array.
   Array();
@@ -194,7 +196,7 @@ class Array {
 };
 
 /// What a `Dictionary` refers to; the same contract as `ArrayStorage`.
-class DictionaryStorage {
+class UMS_EXPORT DictionaryStorage {
  public:
   virtual ~DictionaryStorage() = default;
   /// Nil for a key that is not there.
@@ -206,7 +208,7 @@ class DictionaryStorage {
 };
 
 /// A reference to a mutable table from text keys to values.
-class Dictionary {
+class UMS_EXPORT Dictionary {
  public:
   /// A new, empty dictionary.
   Dictionary();

@@ -2,6 +2,8 @@
 #include "ServiceReports.h"
 #include "TestDevice.h"
 #include "TypedEntries.h"
+#include "umsservice/RequestResult.h"
+#include "umsservice/TransferProgress.h"
 
 namespace umsservice::testing {
 namespace {
@@ -54,6 +56,29 @@ TEST_F(ServiceReports, ACancelledRequestIsProgressOfStatusThreeWithUnsigned32Bit
   EXPECT_EQ(typed(only("QDORVEL_NOTI_TRANSFER_PROGRESS")),
             (Lines{"Current: u32 0", "LocationId: text location-9", "Max: u32 0", "MediaNotiType: u32 2",
                    "ServiceID: u32 2147483655", "TransferStatus: u32 3"}));
+}
+
+TEST_F(ServiceReports, AreReadBackAsStructs) {
+  _serviceinfo request;
+  request.serviceID = 0x80000007;
+  request.filePath = "/card/old.txt";
+  reports.sendResultEvent(request, 1, kErrorRenameFailed, 516, 0xffffffffc0000000, 2);
+  reports.sendCancelProgressEvent(0x80000008, "location-9", 2, 0, 0, 3);
+  auto posted = surroundings.notifications.all();
+  ASSERT_EQ(posted.size(), 2u);
+  auto result = RequestResult::read(posted[0]);
+  ASSERT_TRUE(result);
+  EXPECT_EQ(result->serviceID, 0x80000007);
+  EXPECT_EQ(result->status, kErrorRenameFailed);
+  EXPECT_EQ(result->errorNumber, 516);
+  EXPECT_EQ(result->diskSize, 0xffffffffc0000000);
+  EXPECT_EQ(result->volumeIndex, 2u);
+  EXPECT_EQ(result->sourcePath, "/card/old.txt");
+  EXPECT_EQ(result->destPath, std::nullopt);
+  auto progress = TransferProgress::read(posted[1]);
+  ASSERT_TRUE(progress);
+  EXPECT_EQ(progress->serviceID, 0x80000008);
+  EXPECT_TRUE(progress->isEnd());
 }
 
 TEST_F(ServiceReports, ACancellationPassesOnTheGivenNumbers) {
