@@ -22,6 +22,12 @@ class MemoryArray final : public ArrayStorage {
     MutexLock lock(mutex_);
     values_.push_back(std::move(value));
   }
+  bool edit(const std::function<bool(std::vector<Value>&)>& change) override {
+    std::vector<Value> before;  // outlives the lock: releasing a value may run a host's code
+    MutexLock lock(mutex_);
+    before = values_;
+    return change(values_);
+  }
   void removeAt(size_t index) override {
     Value removed;  // outlives the lock: releasing a value may run a host's code
     MutexLock lock(mutex_);
@@ -110,6 +116,7 @@ Dictionary::Dictionary(std::initializer_list<std::pair<std::string, Value>> entr
     : storage_(std::make_shared<MemoryDictionary>(std::vector<Entry>(entries))) {}
 
 Dictionary Dictionary::mutableCopy() const {
+  if (auto copy = storage_->mutableCopy()) return Dictionary(std::move(copy));
   if (auto* own = dynamic_cast<const MemoryDictionary*>(storage_.get())) {
     return Dictionary(std::make_shared<MemoryDictionary>(own->entries()));
   }
