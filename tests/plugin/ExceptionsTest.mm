@@ -30,6 +30,8 @@ static void raise(NSString* what) {
 }
 @end
 
+static int attempts;
+
 /// A dictionary that calls itself mutable and is not.
 @interface FrozenDictionary : NSMutableDictionary {
  @public
@@ -51,6 +53,7 @@ static void raise(NSString* what) {
   return [contents keyEnumerator];
 }
 - (void)setObject:(id)object forKey:(id)key {
+  ++attempts;
   raise(@"a frozen dictionary");
 }
 - (void)removeObjectForKey:(id)key {
@@ -195,12 +198,14 @@ TEST_F(Exceptions, OfAWriteToAnotherDeviceEndItsRequest) {
 }
 
 TEST_F(Exceptions, OfADictionaryThatOnlySeemsMutableChangeACopy) {
+  attempts = 0;
   FrozenDictionary* frozen = [[[FrozenDictionary alloc] init] autorelease];
   frozen->contents = [[NSDictionary alloc] initWithDictionary:song];
   NSDictionary* podcast = [NSDictionary
       dictionaryWithObjectsAndKeys:@"News", @"Title", [NSArray arrayWithObject:frozen], @"children", nil];
   EXPECT_EQ(text(exceptionIn([&] { [service makeEpisodeFullPath:podcast podcastChannelName:@"/x"]; })),
             "(no text)");
+  EXPECT_EQ(attempts, 1);
   EXPECT_EQ([frozen objectForKey:@"FilePath"], [song objectForKey:@"FilePath"]);
 }
 

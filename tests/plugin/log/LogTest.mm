@@ -76,6 +76,8 @@ TEST_F(DiagnosticLog, NeverFailsForAListThatThePlatformChokesOn) {
       "<?xml version=\"1.0\"?><plist><dict><key>DEBUG_LEVEL</key><date>no date</date></dict></plist>",
       "<?xml version=\"1.0\"?><plist><dict><key>DEBUG_LEVEL</key><data>AA==</data></dict></plist>",
       "bplist00",
+      "<?xml version=\"1.0\"?><plist><dict><key>DEBUG_LEVEL</key><array/></dict></plist>",
+      "<?xml version=\"1.0\"?><plist><array/></plist>",
   };
   UMSService* device = makeDevice();
   NSArray* contents = [NSArray arrayWithObject:content(sandbox.file("mac/a.mp3", "a"), "a.mp3")];
