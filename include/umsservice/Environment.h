@@ -11,6 +11,7 @@
 #include "umsservice/ItemObserver.h"
 #include "umsservice/Log.h"
 #include "umsservice/NotificationCenter.h"
+#include "umsservice/NotifierFactory.h"
 #include "umsservice/OVMediaInfoFactory.h"
 #include "umsservice/PlacementRules.h"
 #include "umsservice/ProfileInfo.h"
@@ -26,6 +27,11 @@ struct UMS_EXPORT Environment {
   std::shared_ptr<ProfileInfo> profileInfo;                ///< null: no profile has an answer
   std::shared_ptr<OVMediaInfoFactory> mediaInfoFactory;    ///< null: no file has tags
   std::shared_ptr<ItemObserver> itemObserver;              ///< null: nobody listens
+  std::shared_ptr<NotifierFactory> notifierFactory;        ///< null: the library makes its own notifiers
+
+  /// The reason of the exception that is being handled, where the host's language has exceptions that are no
+  /// `std::exception`; absent for any other. Called inside a handler. Null: only `what()` is known.
+  MaybeString (*exceptionReason)() = nullptr;
 
   /// The running system: its files, the process-wide notification center, standard error for log lines,
   /// "DEBUG.plist" beside the program for the debug level, and the host rules of placement.

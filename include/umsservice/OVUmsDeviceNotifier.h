@@ -3,7 +3,8 @@
 ///
 /// Made by an operation for one run; a host may use one by itself. Safe from any thread: every counter
 /// update and its notification are one step. Handlers run inside that step, on the thread that caused it,
-/// and may call the same notifier again. Notification names and keys stand in `Notifications.h`.
+/// and may call the same notifier again. That step is the section of the notifier's synchronized object, so a
+/// host that holds it keeps every step out. Notification names and keys stand in `Notifications.h`.
 #pragma once
 
 #include <memory>
@@ -11,23 +12,36 @@
 #include "umsservice/Environment.h"
 #include "umsservice/Export.h"
 #include "umsservice/OVFileService.h"
+#include "umsservice/SynchronizedObject.h"
 
 namespace umsservice {
 
 class UMS_EXPORT OVUmsDeviceNotifier final : public TransferContext {
  public:
   /// Everything zero or absent but the current file (1) and the result (0x10000001).
-  explicit OVUmsDeviceNotifier(const Environment& environment);
+  /// `object` is what the host knows the notifier by; null for one that has the library's object only.
+  explicit OVUmsDeviceNotifier(const Environment& environment,
+                               std::shared_ptr<SynchronizedObject> object = nullptr);
 
   /// For one request: devices, request number, media type, model name, volume index, files and bytes of the
   /// whole request.
   OVUmsDeviceNotifier(const Environment& environment, const MaybeString& srcLocationID,
                       const MaybeString& destLocationID, uint32_t serviceID, uint32_t mediaType,
                       const MaybeString& deviceName, uint32_t storageIndex, uint32_t maxTransferFileCount,
-                      uint64_t maxTransferSize);
+                      uint64_t maxTransferSize, std::shared_ptr<SynchronizedObject> object = nullptr);
+  /// The notifier of one run: made by the environment's factory where there is one.
+  static std::shared_ptr<OVUmsDeviceNotifier> forRun(const Environment& environment,
+                                                     const MaybeString& srcLocationID,
+                                                     const MaybeString& destLocationID, uint32_t serviceID,
+                                                     uint32_t mediaType, const MaybeString& deviceName,
+                                                     uint32_t storageIndex, uint32_t maxTransferFileCount,
+                                                     uint64_t maxTransferSize);
   ~OVUmsDeviceNotifier() override;
   OVUmsDeviceNotifier(const OVUmsDeviceNotifier&) = delete;
   OVUmsDeviceNotifier& operator=(const OVUmsDeviceNotifier&) = delete;
+
+  /// Held while a step runs; lives as long as the notifier.
+  SynchronizedObject& synchronizedSection() const;
 
   // Posting.
 

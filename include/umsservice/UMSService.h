@@ -15,7 +15,6 @@
 #pragma once
 
 #include <memory>
-#include <mutex>
 #include <thread>
 
 #include "umsservice/Environment.h"
@@ -24,6 +23,7 @@
 #include "umsservice/OVUmsDeviceNotifier.h"
 #include "umsservice/QDDeviceConfirmDelegate.h"
 #include "umsservice/ServiceInfo.h"
+#include "umsservice/SynchronizedObject.h"
 
 namespace umsservice {
 
@@ -32,9 +32,11 @@ class UMS_EXPORT UMSService final : public OVFileService, public TransferCallbac
   // ---------------------------------------------------------------- core: life and identity
 
   /// Starts the worker. Throws `std::system_error` when the system has no thread to give.
-  explicit UMSService(const Environment& environment);
+  /// `object` is what the host knows the service by; null for one that has the library's object only.
+  explicit UMSService(const Environment& environment, std::shared_ptr<SynchronizedObject> object = nullptr);
   /// The same for a device whose location is known; nil is like none.
-  UMSService(const Environment& environment, const MaybeString& locationID);
+  UMSService(const Environment& environment, const MaybeString& locationID,
+             std::shared_ptr<SynchronizedObject> object = nullptr);
   ~UMSService() override;
   UMSService(const UMSService&) = delete;
   UMSService& operator=(const UMSService&) = delete;
@@ -59,7 +61,7 @@ class UMS_EXPORT UMSService final : public OVFileService, public TransferCallbac
   void setFileTransferStatus(int32_t status);
   /// Held while a long operation runs. A host that holds it keeps long operations from starting; it gives the
   /// section back before it lets go of the service, whose worker may be waiting for it.
-  std::recursive_mutex& synchronizedSection();
+  SynchronizedObject& synchronizedSection();
 
   // ---------------------------------------------------------------- core: volumes and folders
 

@@ -9,6 +9,7 @@
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -30,6 +31,7 @@ class UMS_EXPORT Array;
 class UMS_EXPORT ArrayStorage;
 class UMS_EXPORT Dictionary;
 class UMS_EXPORT DictionaryStorage;
+class UMS_EXPORT Value;
 
 /// The object that stands for "no value" inside a container, where nil cannot be stored by a host.
 struct Null {
@@ -44,6 +46,9 @@ class UMS_EXPORT ForeignObject {
   virtual std::string description() const = 0;
   /// Asked about another one of the same host.
   virtual bool isEqual(const ForeignObject& other) const = 0;
+  /// The amount, for a number that no kind of `Value` holds as the host shows it (a single-precision or a
+  /// decimal one): it counts as a number then. Nil for every other object.
+  virtual Value number() const;
 };
 
 /// One property-list value. Nil is the default.
@@ -94,7 +99,8 @@ class UMS_EXPORT Value {
 
   Kind kind() const { return static_cast<Kind>(held_.index()); }
   bool isNil() const { return kind() == Kind::Absent; }
-  bool isNumber() const { return kind() >= Kind::Boolean && kind() <= Kind::Real; }
+  /// Numbers of the host's that stand by themselves count too (see `ForeignObject::number`).
+  bool isNumber() const;
 
   /// The text of a string value; absent for every other kind.
   MaybeString string() const;
@@ -146,6 +152,10 @@ class UMS_EXPORT Value {
   Held held_;
 };
 
+inline Value ForeignObject::number() const {
+  return Value();
+}
+
 /// What an `Array` refers to. A host may supply its own, for example over an array of its frameworks;
 /// every call must be safe from any thread.
 class UMS_EXPORT ArrayStorage {
@@ -155,6 +165,16 @@ class UMS_EXPORT ArrayStorage {
   /// Nil for an element that is nil, and for an index at or past the end.
   virtual Value at(size_t index) const = 0;
   virtual void append(Value value) = 0;
+  /// Changes the elements, and is true, when `change` is. One step for storages that say so, as the library's
+  /// own does: nothing that another thread does is lost. `change` runs inside it and calls nobody.
+  virtual bool edit(const std::function<bool(std::vector<Value>&)>& change) {
+    std::vector<Value> changed = snapshot();
+    if (!change(changed)) return false;
+    assign(std::move(changed));
+    return true;
+  }
+  /// The array in words where the host has its own for it.
+  virtual MaybeString description() const { return std::nullopt; }
   /// An index at or past the end does nothing.
   virtual void removeAt(size_t index) = 0;
   /// Replaces all elements in one step: no reader sees an array in between.
@@ -179,6 +199,8 @@ class UMS_EXPORT Array {
   bool empty() const { return count() == 0; }
   Value at(size_t index) const { return storage_->at(index); }
   void append(Value value) { storage_->append(std::move(value)); }
+  /// Changes the elements in one step (see `ArrayStorage`).
+  bool edit(const std::function<bool(std::vector<Value>&)>& change) { return storage_->edit(change); }
   void removeAt(size_t index) { storage_->removeAt(index); }
   void assign(std::vector<Value> values) { storage_->assign(std::move(values)); }
   /// The elements as they are now.
@@ -205,6 +227,11 @@ class UMS_EXPORT DictionaryStorage {
   virtual void set(std::string_view key, Value value) = 0;
   /// In a stable order.
   virtual std::vector<std::string> keys() const = 0;
+  /// A copy of the host's own kind, with whatever the host keeps in it beside text keys. Null lets the
+  /// library copy the entries.
+  virtual std::shared_ptr<DictionaryStorage> mutableCopy() const { return nullptr; }
+  /// The dictionary in words where the host has its own for it.
+  virtual MaybeString description() const { return std::nullopt; }
 };
 
 /// A reference to a mutable table from text keys to values.

@@ -7,28 +7,33 @@
 
 #import <Foundation/Foundation.h>
 
+#include <optional>
 #include <type_traits>
+
+#include "umsservice/Value.h"
 
 namespace umsplugin {
 
-/// Makes the calling thread known; costs nothing after the first time.
-void announceThread();
+/// Runs `body` in a pool. An exception of the host outlives the pool and is thrown on behind it; on a worker,
+/// where no pool is left then, it lives until the next one there.
+void inPool(void (*body)(void*), void* context);
 
-/// Runs `body` in a pool and gives its answer, which must not be an autoreleased object. An exception of the
-/// host leaves the pool to the one around it, as on the platform: drained here, it would take the exception
-/// along.
+/// Runs `body` in a pool and gives its answer, which must not be an autoreleased object.
 template <typename Body>
 auto inCallback(Body body) {
-  announceThread();
-  NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-  if constexpr (std::is_void_v<decltype(body())>) {
-    body();
-    [pool release];
+  using Answer = decltype(body());
+  if constexpr (std::is_void_v<Answer>) {
+    inPool([](void* context) { (*static_cast<Body*>(context))(); }, &body);
   } else {
-    auto answer = body();
-    [pool release];
-    return answer;
+    std::optional<Answer> answer;
+    auto keeping = [&] { answer.emplace(body()); };
+    inPool([](void* context) { (*static_cast<decltype(keeping)*>(context))(); }, &keeping);
+    return Answer(std::move(*answer));
   }
 }
+
+/// Called while an exception is being handled: the words of one of the host's, absent for another. The
+/// exception is gone afterwards and cannot be thrown on.
+umsservice::MaybeString reasonOfHandledException();
 
 }  // namespace umsplugin

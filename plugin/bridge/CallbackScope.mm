@@ -1,45 +1,116 @@
 #include "bridge/CallbackScope.h"
 
+#include <objc/objc-exception.h>
+
+#include "bridge/Exceptions.h"
+#include "bridge/Text.h"
+
 namespace umsplugin {
 namespace {
 
-#ifdef GNUSTEP
-
 /// One for each thread that has made a callback.
-class ThreadAnnouncement {
+class CallingThread {
  public:
-  ThreadAnnouncement() : ours_(GSRegisterCurrentThread() == YES) {}
-  ~ThreadAnnouncement() {
-    if (ours_) GSUnregisterCurrentThread();
+  CallingThread();
+  ~CallingThread();
+  CallingThread(const CallingThread&) = delete;
+  CallingThread& operator=(const CallingThread&) = delete;
+
+  static CallingThread& current() {
+    thread_local CallingThread thread;
+    return thread;
   }
-  ThreadAnnouncement(const ThreadAnnouncement&) = delete;
-  ThreadAnnouncement& operator=(const ThreadAnnouncement&) = delete;
+
+  /// Takes an exception over that leaves a callback, and whose pool has been released. Around callbacks of a
+  /// worker there is no other pool.
+  void keep(id exception) {
+    if (isWorker_ && pools_ == 0) {
+      id before = lastException_;
+      lastException_ = exception;
+      [before release];
+    } else {
+      [exception autorelease];
+    }
+  }
+
+  class Pool {
+   public:
+    Pool() { ++thread_.pools_; }
+    ~Pool() {
+      [pool_ release];
+      --thread_.pools_;
+    }
+    Pool(const Pool&) = delete;
+    Pool& operator=(const Pool&) = delete;
+
+   private:
+    CallingThread& thread_ = CallingThread::current();
+    NSAutoreleasePool* const pool_ = [[NSAutoreleasePool alloc] init];
+  };
 
  private:
-  const bool ours_;  ///< not a thread of the host's, which the runtime knew before
+  bool isWorker_ = false;  ///< not a thread of the host's, which the runtime knew before
+  int pools_ = 0;
+  id lastException_ = nil;
 };
+
+#ifdef GNUSTEP
+
+CallingThread::CallingThread() : isWorker_(GSRegisterCurrentThread() == YES) {}
+
+CallingThread::~CallingThread() {
+  if (!isWorker_) return;
+  NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+  [lastException_ release];
+  [pool release];
+  GSUnregisterCurrentThread();
+}
 
 #else
 
-/// This platform's runtime knows every thread; it only wants to hear once that there are several.
-class ThreadAnnouncement {
- public:
-  ThreadAnnouncement() {
-    static const bool told = [] {
-      if (![NSThread isMultiThreaded]) [[[[NSThread alloc] init] autorelease] start];
-      return true;
-    }();
-    static_cast<void>(told);
-  }
-};
+/// This platform's runtime knows every thread, and pools of each; it only wants to hear once that there are
+/// several.
+CallingThread::CallingThread() {
+  static const bool told = [] {
+    if (![NSThread isMultiThreaded]) [[[[NSThread alloc] init] autorelease] start];
+    return true;
+  }();
+  static_cast<void>(told);
+}
+
+CallingThread::~CallingThread() = default;
 
 #endif
 
 }  // namespace
 
-void announceThread() {
-  thread_local const ThreadAnnouncement announcement;
-  static_cast<void>(announcement);
+void inPool(void (*body)(void*), void* context) {
+  id exception = nil;
+  {
+    CallingThread::Pool pool;
+    exception = UMSExceptionIn(body, context);
+  }
+  if (!exception) return;
+  CallingThread::current().keep(exception);
+  objc_exception_throw(exception);
+}
+
+umsservice::MaybeString reasonOfHandledException() {
+  umsservice::MaybeString reason;
+  try {
+    CallingThread::Pool pool;
+    id exception = UMSExceptionIn([](void*) { throw; }, nullptr);
+    if ([exception isKindOfClass:[NSException class]]) {
+      NSException* raised = exception;
+      reason = toText([NSString stringWithFormat:@"%@ (%@)", [raised reason], [raised name]]);
+    } else {
+      reason = toText([exception description]);
+    }
+    [exception release];
+  } catch (...) {
+    // One of another language's, which has no words that are known here.
+  }
+  return reason;
 }
 
 }  // namespace umsplugin

@@ -3,125 +3,166 @@
 #include <algorithm>
 
 #include "bridge/CallbackScope.h"
+#include "bridge/Exceptions.h"
 #include "bridge/Text.h"
 #include "bridge/Values.h"
 
+using umsservice::MaybeString;
 using umsservice::Value;
 
 namespace umsplugin {
 namespace {
 
-/// What stands for a value inside a container of the host, where nil cannot be stored.
+/// What stands for a value inside a container of the host, where nil cannot be stored. Containers of the
+/// library's stay shared: a channel is put into many dictionaries.
 id elementOf(const Value& value) {
-  id object = toHost(value);
+  id object = toHostView(value);
   return object ? object : [NSNull null];
+}
+
+NSArray* elementsOf(const std::vector<Value>& values) {
+  NSMutableArray* elements = [NSMutableArray array];
+  for (const Value& value : values) [elements addObject:elementOf(value)];
+  return elements;
+}
+
+std::vector<Value> valuesOf(NSArray* array) {
+  std::vector<Value> values;
+  const size_t count = [array count];
+  values.reserve(count);
+  for (size_t i = 0; i < count; ++i) values.push_back(toValue([array objectAtIndex:i]));
+  return values;
 }
 
 }  // namespace
 
-HostArray::~HostArray() {
-  inCallback([this] { [array_ release]; });
+HostCollection::~HostCollection() {
+  inCallback([this] { [object_ release]; });
+}
+
+id HostCollection::object() const {
+  std::lock_guard lock(mutex_);
+  return [[object_ retain] autorelease];
+}
+
+/// What takes the place of an object: a copy of it, or what another thread has put there first.
+id HostCollection::exchanged(id before) {
+  id copy = nil;
+  @synchronized(before) {
+    copy = [[before mutableCopy] autorelease];
+  }
+  std::lock_guard lock(mutex_);
+  if (object_ == before) {
+    object_ = [copy retain];
+    [before autorelease];
+  }
+  return [[object_ retain] autorelease];
+}
+
+void HostCollection::change(const std::function<void(id)>& change) {
+  id present = object();
+  if ([present isKindOfClass:changeable_]) {
+    id exception = nil;
+    @synchronized(present) {
+      // Some collections are of a changeable class and raise all the same.
+      exception = exceptionIn([&] { change(present); });
+    }
+    if (!exception) return;
+    [exception release];
+  }
+  id copy = exchanged(present);
+  @synchronized(copy) {
+    change(copy);
+  }
 }
 
 size_t HostArray::count() const {
   return inCallback([this] {
-    @synchronized(array_) {
-      return static_cast<size_t>([array_ count]);
+    NSArray* array = object();
+    @synchronized(array) {
+      return static_cast<size_t>([array count]);
     }
   });
 }
 
 Value HostArray::at(size_t index) const {
   return inCallback([&] {
-    @synchronized(array_) {
-      return index < [array_ count] ? toValue([array_ objectAtIndex:index]) : Value();
+    NSArray* array = object();
+    @synchronized(array) {
+      return index < [array count] ? toValue([array objectAtIndex:index]) : Value();
     }
   });
 }
 
-NSMutableArray* HostArray::changeable() {
-  if (![array_ isKindOfClass:[NSMutableArray class]]) {
-    NSArray* before = array_;
-    array_ = [before mutableCopy];
-    [before autorelease];
-  }
-  return static_cast<NSMutableArray*>(array_);
+void HostArray::append(Value value) {
+  inCallback([&] { array_.change([&](NSMutableArray* array) { [array addObject:elementOf(value)]; }); });
 }
 
-void HostArray::append(Value value) {
-  inCallback([&] {
-    @synchronized(array_) {
-      [changeable() addObject:elementOf(value)];
-    }
+bool HostArray::edit(const std::function<bool(std::vector<Value>&)>& change) {
+  return inCallback([&] {
+    bool isChanged = false;
+    array_.change([&](NSMutableArray* array) {
+      std::vector<Value> values = valuesOf(array);
+      isChanged = change(values);
+      if (isChanged) [array setArray:elementsOf(values)];
+    });
+    return isChanged;
   });
 }
 
 void HostArray::removeAt(size_t index) {
   inCallback([&] {
-    @synchronized(array_) {
-      if (index < [array_ count]) [changeable() removeObjectAtIndex:index];
-    }
+    array_.change([index](NSMutableArray* array) {
+      if (index < [array count]) [array removeObjectAtIndex:index];
+    });
   });
 }
 
 void HostArray::assign(std::vector<Value> values) {
-  inCallback([&] {
-    @synchronized(array_) {
-      NSMutableArray* changed = changeable();
-      [changed removeAllObjects];
-      for (const Value& value : values) [changed addObject:elementOf(value)];
-    }
-  });
+  inCallback([&] { array_.change([&](NSMutableArray* array) { [array setArray:elementsOf(values)]; }); });
 }
 
 std::vector<Value> HostArray::snapshot() const {
   return inCallback([this] {
-    std::vector<Value> values;
-    @synchronized(array_) {
-      const size_t count = [array_ count];
-      values.reserve(count);
-      for (size_t i = 0; i < count; ++i) values.push_back(toValue([array_ objectAtIndex:i]));
+    NSArray* array = object();
+    @synchronized(array) {
+      return valuesOf(array);
     }
-    return values;
   });
 }
 
-HostDictionary::~HostDictionary() {
-  inCallback([this] { [dictionary_ release]; });
+MaybeString HostArray::description() const {
+  return inCallback([this] { return toText([object() description]); });
 }
 
 Value HostDictionary::get(std::string_view key) const {
   return inCallback([&] {
-    @synchronized(dictionary_) {
-      return toValue([dictionary_ objectForKey:toHostText(std::string(key))]);
+    NSDictionary* dictionary = object();
+    @synchronized(dictionary) {
+      return toValue([dictionary objectForKey:toHostText(std::string(key))]);
     }
   });
 }
 
 void HostDictionary::set(std::string_view key, Value value) {
   inCallback([&] {
-    @synchronized(dictionary_) {
-      if (![dictionary_ isKindOfClass:[NSMutableDictionary class]]) {
-        NSDictionary* before = dictionary_;
-        dictionary_ = [before mutableCopy];
-        [before autorelease];
-      }
-      auto* changed = static_cast<NSMutableDictionary*>(dictionary_);
-      NSString* name = toHostText(std::string(key));
+    NSString* name = toHostText(std::string(key));
+    dictionary_.change([&](NSMutableDictionary* dictionary) {
       if (value.isNil()) {
-        [changed removeObjectForKey:name];
+        [dictionary removeObjectForKey:name];
       } else {
-        [changed setObject:elementOf(value) forKey:name];
+        [dictionary setObject:elementOf(value) forKey:name];
       }
-    }
+    });
   });
 }
 
 std::vector<std::string> HostDictionary::keys() const {
   return inCallback([this] {
     std::vector<std::string> names;
-    @synchronized(dictionary_) {
-      NSEnumerator* keys = [dictionary_ keyEnumerator];
+    NSDictionary* dictionary = object();
+    @synchronized(dictionary) {
+      NSEnumerator* keys = [dictionary keyEnumerator];
       while (id key = [keys nextObject]) {
         if (auto name = toText(key)) names.push_back(*name);
       }
@@ -129,6 +170,19 @@ std::vector<std::string> HostDictionary::keys() const {
     std::sort(names.begin(), names.end());
     return names;
   });
+}
+
+std::shared_ptr<umsservice::DictionaryStorage> HostDictionary::mutableCopy() const {
+  return inCallback([this]() -> std::shared_ptr<umsservice::DictionaryStorage> {
+    NSDictionary* dictionary = object();
+    @synchronized(dictionary) {
+      return std::make_shared<HostDictionary>([[dictionary mutableCopy] autorelease]);
+    }
+  });
+}
+
+MaybeString HostDictionary::description() const {
+  return inCallback([this] { return toText([object() description]); });
 }
 
 HostObject::~HostObject() {
@@ -142,6 +196,11 @@ std::string HostObject::description() const {
 bool HostObject::isEqual(const ForeignObject& other) const {
   const auto* host = dynamic_cast<const HostObject*>(&other);
   return host && inCallback([&] { return static_cast<bool>([object_ isEqual:host->object()]); });
+}
+
+Value HostObject::number() const {
+  return inCallback(
+      [this] { return [object_ isKindOfClass:[NSNumber class]] ? Value([object_ doubleValue]) : Value(); });
 }
 
 }  // namespace umsplugin

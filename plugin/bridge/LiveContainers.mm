@@ -66,6 +66,35 @@ struct UMSLiveElements {
   return [keys objectEnumerator];
 }
 
+- (NSEnumerator*)objectEnumerator {
+  NSMutableArray* values = [NSMutableArray array];
+  for (const std::string& name : _dictionary->keys()) {
+    // Another thread may have taken the key out meanwhile.
+    if (id value = toHostView(_dictionary->get(name))) [values addObject:value];
+  }
+  return [values objectEnumerator];
+}
+
+/// All keys at once, as they are when the loop begins.
+- (NSUInteger)countByEnumeratingWithState:(NSFastEnumerationState*)state
+                                  objects:(id*)objects
+                                    count:(NSUInteger)length {
+  static_cast<void>(objects);
+  static_cast<void>(length);
+  if (state->state != 0) return 0;
+  NSArray* keys = [[self keyEnumerator] allObjects];
+  const NSUInteger count = [keys count];
+  if (count == 0) return 0;
+  NSMutableData* pointers = [NSMutableData dataWithLength:count * sizeof(id)];
+  state->state = 1;
+  state->itemsPtr = static_cast<id*>([pointers mutableBytes]);
+  [keys getObjects:state->itemsPtr range:NSMakeRange(0, count)];
+  state->extra[0] = 0;
+  state->mutationsPtr = &state->extra[0];  // what others change does not show in the keys
+  [[keys retain] autorelease];
+  return count;
+}
+
 - (void)setObject:(id)object forKey:(id)key {
   auto name = toText(key);
   if (!object || !name) {
@@ -79,6 +108,18 @@ struct UMSLiveElements {
 }
 
 @end
+
+namespace {
+
+void mustBeThere(id object) {
+  if (!object) [NSException raise:NSInvalidArgumentException format:@"The list holds no nil"];
+}
+
+void raiseRange(NSUInteger index) {
+  [NSException raise:NSRangeException format:@"The list has no place %lu", static_cast<unsigned long>(index)];
+}
+
+}  // namespace
 
 @interface UMSLiveArray (Range)
 - (void)mustHold:(NSUInteger)index;
@@ -123,46 +164,66 @@ struct UMSLiveElements {
 }
 
 - (id)objectAtIndex:(NSUInteger)index {
-  [self mustHold:index];
   Value value = _array->at(index);
+  if (value.isNil()) [self mustHold:index];
   auto dictionary = value.dictionary();
   return dictionary ? [self elementFor:dictionary] : toHostView(value);
 }
 
+// Each change is one step: the service may put in a volume at the same time. What is raised is raised after
+// the step, with nothing of C++ in the way.
+
 - (void)addObject:(id)object {
-  [self insertObject:object atIndex:_array->count()];
+  mustBeThere(object);
+  _array->append(toValue(object));
 }
 
 - (void)insertObject:(id)object atIndex:(NSUInteger)index {
-  auto values = _array->snapshot();
-  if (!object) [NSException raise:NSInvalidArgumentException format:@"Nil cannot be added"];
-  if (index > values.size()) [NSException raise:NSRangeException format:@"No place for a volume there"];
-  values.insert(values.begin() + static_cast<std::ptrdiff_t>(index), toValue(object));
-  _array->assign(std::move(values));
+  mustBeThere(object);
+  const Value value = toValue(object);
+  const bool fits = _array->edit([&](std::vector<Value>& values) {
+    if (index > values.size()) return false;
+    values.insert(values.begin() + static_cast<std::ptrdiff_t>(index), value);
+    return true;
+  });
+  if (!fits) raiseRange(index);
 }
 
 - (void)removeLastObject {
-  [self removeObjectAtIndex:_array->count() - 1];
+  const bool held = _array->edit([](std::vector<Value>& values) {
+    if (values.empty()) return false;
+    values.pop_back();
+    return true;
+  });
+  if (!held) raiseRange(0);
 }
 
 - (void)removeObjectAtIndex:(NSUInteger)index {
-  [self mustHold:index];
-  _array->removeAt(index);
+  const bool held = _array->edit([index](std::vector<Value>& values) {
+    if (index >= values.size()) return false;
+    values.erase(values.begin() + static_cast<std::ptrdiff_t>(index));
+    return true;
+  });
+  if (!held) raiseRange(index);
+}
+
+- (void)removeAllObjects {
+  _array->assign({});
 }
 
 - (void)replaceObjectAtIndex:(NSUInteger)index withObject:(id)object {
-  auto values = _array->snapshot();
-  if (!object) [NSException raise:NSInvalidArgumentException format:@"Nil cannot be stored"];
-  [self mustHold:index];
-  values.at(index) = toValue(object);
-  _array->assign(std::move(values));
+  mustBeThere(object);
+  const Value value = toValue(object);
+  const bool held = _array->edit([&](std::vector<Value>& values) {
+    if (index >= values.size()) return false;
+    values[index] = value;
+    return true;
+  });
+  if (!held) raiseRange(index);
 }
 
 - (void)mustHold:(NSUInteger)index {
-  if (index >= _array->count()) {
-    [NSException raise:NSRangeException
-                format:@"The list holds no volume %lu", static_cast<unsigned long>(index)];
-  }
+  if (index >= _array->count()) raiseRange(index);
 }
 
 @end

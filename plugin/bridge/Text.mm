@@ -5,11 +5,17 @@
 namespace umsplugin {
 namespace {
 
-/// The character that stands for the byte 0x80 is this plus 0x80, and so on.
-constexpr char32_t kRawByte = 0xEF00;
+// A raw byte is a pair of characters: one for its upper four bits, of which the first is set, and one for its
+// lower ones.
+constexpr char32_t kUpperBits = 0xFDD0;
+constexpr char32_t kLowerBits = 0xFDE0;
 
-bool standsForRawByte(char32_t character) {
-  return character >= kRawByte + 0x80 && character <= kRawByte + 0xFF;
+bool isUpperBits(char32_t character) {
+  return character >= kUpperBits + 0x8 && character <= kUpperBits + 0xF;
+}
+
+bool isLowerBits(char32_t character) {
+  return character >= kLowerBits && character <= kLowerBits + 0xF;
 }
 
 struct Decoded {
@@ -46,7 +52,6 @@ void append(std::vector<unichar>& units, char32_t character) {
 
 void append(std::string& text, char32_t character) {
   auto put = [&text](char32_t byte) { text.push_back(static_cast<char>(byte)); };
-  if (standsForRawByte(character)) return put(character - kRawByte);
   if (character < 0x80) return put(character);
   if (character < 0x800) {
     put(0xC0 | (character >> 6));
@@ -67,7 +72,10 @@ std::vector<unichar> unitsOf(const std::string& text) {
   for (size_t at = 0; at < text.size();) {
     const auto byte = static_cast<unsigned char>(text[at]);
     Decoded decoded = byte < 0x80 ? Decoded{byte, 1} : decodeSequence(text, at);
-    if (decoded.length == 0 || standsForRawByte(decoded.character)) decoded = {kRawByte + byte, 1};
+    if (decoded.length == 0 || isUpperBits(decoded.character) || isLowerBits(decoded.character)) {
+      append(units, kUpperBits + (byte >> 4));
+      decoded = {kLowerBits + (byte & 0xFu), 1};
+    }
     append(units, decoded.character);
     at += decoded.length;
   }
@@ -79,6 +87,11 @@ std::string textOf(const std::vector<unichar>& units) {
   text.reserve(units.size());
   for (size_t i = 0; i < units.size(); ++i) {
     char32_t character = units[i];
+    if (isUpperBits(character) && i + 1 < units.size() && isLowerBits(units[i + 1])) {
+      const char32_t byte = ((character - kUpperBits) << 4) | (units[++i] - kLowerBits);
+      text.push_back(static_cast<char>(byte));
+      continue;
+    }
     if (character >= 0xD800 && character <= 0xDFFF) {
       const char32_t low = i + 1 < units.size() ? units[i + 1] : 0u;
       const bool isPair = character < 0xDC00 && low >= 0xDC00 && low <= 0xDFFF;

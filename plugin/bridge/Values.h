@@ -2,7 +2,7 @@
 ///
 /// From the host: strings, numbers and null objects are copied; arrays and dictionaries are referred to (see
 /// `HostContainers.h`); every other object passes through untouched. A number keeps the width and signedness
-/// that its class tells.
+/// that its class tells; one that only the platform can write stays its own object.
 /// To the host: what came from the host is the same object again. An array or dictionary that the library
 /// made becomes a mutable copy, or a view (see `LiveContainers.h`) where it is shared or too long to copy
 /// each time. Objects given are autoreleased. Safe from any thread.

@@ -22,10 +22,17 @@ bool isBoolean(NSNumber* number) {
   return [number isKindOfClass:booleanClass];
 }
 
+/// Of single precision, or decimal: widened to a double, their digits would be others.
+bool isWrittenByItselfOnly(NSNumber* number) {
+  return *[number objCType] == 'f' || [number isKindOfClass:[NSDecimalNumber class]];
+}
+
 Value numberValue(NSNumber* number) {
   if (isBoolean(number)) return static_cast<bool>([number boolValue]);
+  if (isWrittenByItselfOnly(number)) {
+    return std::shared_ptr<umsservice::ForeignObject>(std::make_shared<HostObject>(number));
+  }
   switch (*[number objCType]) {
-    case 'f':
     case 'd':
       return [number doubleValue];
     case 'q':
@@ -63,12 +70,12 @@ NSNumber* hostNumber(const Value& value) {
 /// The host's own object behind a container; nil for one that the library made.
 NSMutableArray* ownObject(const Array& array) {
   auto host = std::dynamic_pointer_cast<HostArray>(array.storage());
-  return host ? [[static_cast<NSMutableArray*>(host->object()) retain] autorelease] : nil;
+  return host ? static_cast<NSMutableArray*>(host->object()) : nil;
 }
 
 NSMutableDictionary* ownObject(const Dictionary& dictionary) {
   auto host = std::dynamic_pointer_cast<HostDictionary>(dictionary.storage());
-  return host ? [[static_cast<NSMutableDictionary*>(host->object()) retain] autorelease] : nil;
+  return host ? static_cast<NSMutableDictionary*>(host->object()) : nil;
 }
 
 NSMutableArray* hostArray(const Array& array) {

@@ -17,5 +17,6 @@ std::shared_ptr<umsservice::LogSink> hostLogSink();
 std::shared_ptr<umsservice::DebugLevelSource> hostDebugLevelSource();
 std::shared_ptr<umsservice::ProfileInfo> hostProfileInfo();
 std::shared_ptr<umsservice::OVMediaInfoFactory> hostMediaInfoFactory();
+std::shared_ptr<umsservice::NotifierFactory> hostNotifierFactory();
 
 }  // namespace umsplugin

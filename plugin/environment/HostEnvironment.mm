@@ -1,5 +1,7 @@
 #include "environment/HostEnvironment.h"
 
+#include "bridge/CallbackScope.h"
+
 namespace umsplugin {
 
 umsservice::Environment hostEnvironment() {
@@ -11,6 +13,8 @@ umsservice::Environment hostEnvironment() {
     made->debugLevelSource = hostDebugLevelSource();
     made->profileInfo = hostProfileInfo();
     made->mediaInfoFactory = hostMediaInfoFactory();
+    made->notifierFactory = hostNotifierFactory();
+    made->exceptionReason = reasonOfHandledException;
     return made;
   }();
   return *environment;

@@ -2,6 +2,7 @@
 #import <Foundation/Foundation.h>
 
 #include "bridge/CallbackScope.h"
+#include "bridge/Exceptions.h"
 #include "bridge/Text.h"
 #include "bridge/Values.h"
 #include "environment/HostEnvironment.h"
@@ -9,10 +10,16 @@
 namespace umsplugin {
 namespace {
 
+/// Diagnostics never fail whom they tell of: not for a list that the platform chokes on, nor for a line.
+template <typename Body>
+void ignoringExceptions(Body body) {
+  inCallback([&] { [exceptionIn(body) release]; });
+}
+
 class HostLogSink final : public umsservice::LogSink {
  public:
   void write(const std::string& line) override {
-    inCallback([&] { NSLog(@"%@", toHostText(line)); });
+    ignoringExceptions([&] { NSLog(@"%@", toHostText(line)); });
   }
 };
 
@@ -37,10 +44,12 @@ int32_t levelOf(NSData* bytes) {
 class HostDebugLevelSource final : public umsservice::DebugLevelSource {
  public:
   int32_t debugLevel() override {
-    return inCallback([] {
+    int32_t level = 0;
+    ignoringExceptions([&level] {
       NSString* path = debugListPath();
-      return path ? levelOf([NSData dataWithContentsOfFile:path]) : 0;
+      if (path) level = levelOf([NSData dataWithContentsOfFile:path]);
     });
+    return level;
   }
 };
 

@@ -2,6 +2,7 @@
 #import <Foundation/Foundation.h>
 
 #include "bridge/CallbackScope.h"
+#include "bridge/HostContainers.h"
 #include "bridge/Text.h"
 #include "bridge/Values.h"
 #include "environment/HostEnvironment.h"
@@ -10,8 +11,9 @@ namespace umsplugin {
 namespace {
 
 /// A dictionary of the host's own kind. What a channel holds is only looked into when the host does: its
-/// result is posted once for each episode.
+/// result is posted once for each episode. Tags of the host's come with whatever keys they have.
 NSDictionary* hostInfo(const umsservice::Dictionary& userInfo) {
+  if (auto host = std::dynamic_pointer_cast<HostDictionary>(userInfo.storage())) return host->object();
   NSMutableDictionary* info = [NSMutableDictionary dictionary];
   for (const std::string& name : userInfo.keys()) {
     [info setObject:toHostView(userInfo.get(name)) forKey:toHostText(name)];

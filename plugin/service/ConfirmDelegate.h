@@ -8,12 +8,16 @@
 
 #include <atomic>
 
+#include "service/ObjectSection.h"
 #include "umsservice/QDDeviceConfirmDelegate.h"
 
 namespace umsplugin {
 
 class ConfirmDelegate final : public umsservice::QDDeviceConfirmDelegate {
  public:
+  /// `asking` is the service that asks.
+  explicit ConfirmDelegate(std::shared_ptr<ObjectSection> asking) : asking_(std::move(asking)) {}
+
   /// Nil when the service ends.
   void setDelegate(id delegate) { delegate_ = delegate; }
 
@@ -22,6 +26,7 @@ class ConfirmDelegate final : public umsservice::QDDeviceConfirmDelegate {
       const umsservice::MaybeString& locationID) override;
 
  private:
+  const std::shared_ptr<ObjectSection> asking_;
   std::atomic<id> delegate_ = nil;
 };
 

@@ -28,7 +28,7 @@ std::shared_ptr<umsservice::OVFileService> ConfirmDelegate::getFileServiceObject
     id delegate = delegate_;
     if (![delegate respondsToSelector:@selector(getFileServiceObject:)]) return nullptr;
     id service = [delegate getFileServiceObject:toHost(locationID)];
-    return service ? std::make_shared<HostFileService>(service) : nullptr;
+    return service ? std::make_shared<HostFileService>(service, asking_) : nullptr;
   });
 }
 

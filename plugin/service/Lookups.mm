@@ -8,6 +8,20 @@ using umsplugin::toArray;
 using umsplugin::toHost;
 using umsplugin::toText;
 
+namespace {
+
+/// The object in a host's list that is a dictionary; volumes of a service's may be in it.
+NSDictionary* elementFor(const umsservice::MaybeDictionary& found, NSArray* list) {
+  for (NSUInteger i = 0; found && i < [list count]; ++i) {
+    id element = [list objectAtIndex:i];
+    if (![element isKindOfClass:[UMSLiveDictionary class]]) continue;
+    if ([static_cast<UMSLiveDictionary*>(element) libraryDictionary].isSame(*found)) return element;
+  }
+  return toHost(found);
+}
+
+}  // namespace
+
 @implementation UMSService (Lookups)
 
 - (NSDictionary*)diskInfoFromIndex:(unsigned int)index {
@@ -16,8 +30,10 @@ using umsplugin::toText;
 
 - (NSDictionary*)diskInfoFromDiskInfoList:(NSArray*)diskInfoList index:(unsigned int)index {
   auto found = _parts->service.diskInfoFromDiskInfoList(toArray(diskInfoList), index);
-  if (![diskInfoList isKindOfClass:[UMSLiveArray class]]) return toHost(found);
-  return [static_cast<UMSLiveArray*>(diskInfoList) elementFor:found];
+  if ([diskInfoList isKindOfClass:[UMSLiveArray class]]) {
+    return [static_cast<UMSLiveArray*>(diskInfoList) elementFor:found];
+  }
+  return elementFor(found, diskInfoList);
 }
 
 - (NSString*)diskVolumeNameFromIndex:(unsigned int)index {

@@ -1,4 +1,5 @@
-/// How the library's notifiers and the host's `OVUmsDeviceNotifier` objects find each other.
+/// How the library's notifiers and the host's `OVUmsDeviceNotifier` objects find each other. Each notifier of
+/// a service's run is made together with its object, and whoever holds one of the two has both.
 #pragma once
 
 #import "UMSServiceBundle/OVUmsDeviceNotifier.h"
@@ -6,14 +7,11 @@
 
 namespace umsplugin {
 
-/// The library's notifier in a host's object; null for nil, for another class, and for one that was given
-/// back.
+/// The library's notifier in a host's object, which lives at least to the end of the pool; null for nil and
+/// for another class.
 umsservice::OVUmsDeviceNotifier* notifierIn(id object);
 
-/// An object for the notifier of a run that lives on after it; nil when the context is none. Give it back
-/// when the call that it was made for has ended.
-OVUmsDeviceNotifier* borrowedNotifier(umsservice::TransferContext* context);
-/// Ends the loan and releases the object.
-void giveBackNotifier(OVUmsDeviceNotifier* notifier);
+/// The object of a notifier; nil for a context that is none.
+OVUmsDeviceNotifier* objectOf(umsservice::TransferContext* context);
 
 }  // namespace umsplugin

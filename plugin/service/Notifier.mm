@@ -3,48 +3,62 @@
 #include "bridge/Text.h"
 #include "bridge/Values.h"
 #include "environment/HostEnvironment.h"
+#include "service/ObjectSection.h"
 
 using umsplugin::hostEnvironment;
+using umsplugin::ObjectSection;
 using umsplugin::toDictionary;
 using umsplugin::toHost;
 using umsplugin::toText;
 
 struct OVUmsDeviceNotifierParts {
-  /// Null once a borrowed one was given back. Owned or only referred to.
-  std::shared_ptr<umsservice::OVUmsDeviceNotifier> notifier;
+  template <typename... Scope>
+  explicit OVUmsDeviceNotifierParts(OVUmsDeviceNotifier* object, const Scope&... scope)
+      : notifier(hostEnvironment(), scope..., std::make_shared<ObjectSection>(object)) {}
+
+  umsservice::OVUmsDeviceNotifier notifier;
 };
 
-@interface OVUmsDeviceNotifier (Loan)
-- (id)initBorrowing:(umsservice::OVUmsDeviceNotifier*)notifier;
+@interface OVUmsDeviceNotifier (Library)
 - (umsservice::OVUmsDeviceNotifier*)libraryNotifier;
-- (void)giveBack;
 @end
 
 namespace umsplugin {
 
 umsservice::OVUmsDeviceNotifier* notifierIn(id object) {
   if (![object isKindOfClass:[OVUmsDeviceNotifier class]]) return nullptr;
-  return [static_cast<OVUmsDeviceNotifier*>(object) libraryNotifier];
+  return [static_cast<OVUmsDeviceNotifier*>([[object retain] autorelease]) libraryNotifier];
 }
 
-OVUmsDeviceNotifier* borrowedNotifier(umsservice::TransferContext* context) {
+OVUmsDeviceNotifier* objectOf(umsservice::TransferContext* context) {
   auto* notifier = dynamic_cast<umsservice::OVUmsDeviceNotifier*>(context);
-  return notifier ? [[OVUmsDeviceNotifier alloc] initBorrowing:notifier] : nil;
-}
-
-void giveBackNotifier(OVUmsDeviceNotifier* notifier) {
-  [notifier giveBack];
-  [notifier release];
+  auto* section = notifier ? dynamic_cast<ObjectSection*>(&notifier->synchronizedSection()) : nullptr;
+  return section ? static_cast<OVUmsDeviceNotifier*>(section->object()) : nil;
 }
 
 }  // namespace umsplugin
+
+namespace {
+
+/// Keeps an object to the end of a block: a handler inside a step may release the notifier.
+class Kept {
+ public:
+  explicit Kept(id object) : object_([object retain]) {}
+  ~Kept() { [object_ release]; }
+  Kept(const Kept&) = delete;
+  Kept& operator=(const Kept&) = delete;
+
+ private:
+  const id object_;
+};
+
+}  // namespace
 
 @implementation OVUmsDeviceNotifier
 
 - (id)init {
   if ((self = [super init])) {
-    _parts = new OVUmsDeviceNotifierParts;
-    _parts->notifier = std::make_shared<umsservice::OVUmsDeviceNotifier>(hostEnvironment());
+    _parts = new OVUmsDeviceNotifierParts(self);
   }
   return self;
 }
@@ -58,19 +72,9 @@ void giveBackNotifier(OVUmsDeviceNotifier* notifier) {
       maxTransferFileCount:(unsigned int)maxTransferFileCount
            maxTransferSize:(unsigned long long)maxTransferSize {
   if ((self = [super init])) {
-    _parts = new OVUmsDeviceNotifierParts;
-    _parts->notifier = std::make_shared<umsservice::OVUmsDeviceNotifier>(
-        hostEnvironment(), toText(srcLocationID), toText(destLocationID), serviceID, mediaType,
-        toText(deviceName), storageIndex, maxTransferFileCount, maxTransferSize);
-  }
-  return self;
-}
-
-- (id)initBorrowing:(umsservice::OVUmsDeviceNotifier*)notifier {
-  if ((self = [super init])) {
-    _parts = new OVUmsDeviceNotifierParts;
-    // Shares nothing: the run that made the notifier owns it.
-    _parts->notifier = std::shared_ptr<umsservice::OVUmsDeviceNotifier>(std::shared_ptr<void>(), notifier);
+    _parts = new OVUmsDeviceNotifierParts(self, toText(srcLocationID), toText(destLocationID), serviceID,
+                                          mediaType, toText(deviceName), storageIndex, maxTransferFileCount,
+                                          maxTransferSize);
   }
   return self;
 }
@@ -81,71 +85,76 @@ void giveBackNotifier(OVUmsDeviceNotifier* notifier) {
 }
 
 - (umsservice::OVUmsDeviceNotifier*)libraryNotifier {
-  return _parts->notifier.get();
+  return &_parts->notifier;
 }
-
-- (void)giveBack {
-  _parts->notifier = nullptr;
-}
-
-// Nothing happens to one that was given back. A handler inside a step may release this object, so each keeps
-// the library's.
 
 - (void)sendTransferEvent:(unsigned int)maxProgress currentPersent:(unsigned int)currentPersent {
-  if (auto notifier = _parts->notifier) notifier->sendTransferEvent(maxProgress, currentPersent);
+  const Kept kept(self);
+  _parts->notifier.sendTransferEvent(maxProgress, currentPersent);
 }
 
 - (void)sendResultEvent {
-  if (auto notifier = _parts->notifier) notifier->sendResultEvent();
+  const Kept kept(self);
+  _parts->notifier.sendResultEvent();
 }
 
 - (void)sendResultNotification {
-  if (auto notifier = _parts->notifier) notifier->sendResultNotification();
+  const Kept kept(self);
+  _parts->notifier.sendResultNotification();
 }
 
 - (void)incCurrentTransferFileCount {
-  if (auto notifier = _parts->notifier) notifier->incCurrentTransferFileCount();
+  const Kept kept(self);
+  _parts->notifier.incCurrentTransferFileCount();
 }
 
 - (void)incFailTransferFileCount {
-  if (auto notifier = _parts->notifier) notifier->incFailTransferFileCount();
+  const Kept kept(self);
+  _parts->notifier.incFailTransferFileCount();
 }
 
 - (void)addFailTransferFileCount:(unsigned int)count {
-  if (auto notifier = _parts->notifier) notifier->addFailTransferFileCount(count);
+  const Kept kept(self);
+  _parts->notifier.addFailTransferFileCount(count);
 }
 
 - (void)addCurrentTransferFileCount:(unsigned int)count {
-  if (auto notifier = _parts->notifier) notifier->addCurrentTransferFileCount(count);
+  const Kept kept(self);
+  _parts->notifier.addCurrentTransferFileCount(count);
 }
 
 - (void)addCurrentSendBytesEx:(unsigned long long)sentBytes {
-  if (auto notifier = _parts->notifier) notifier->addCurrentSendBytesEx(sentBytes);
+  const Kept kept(self);
+  _parts->notifier.addCurrentSendBytesEx(sentBytes);
 }
 
 - (void)addCurrentSendBytes:(unsigned int)sentBytes {
-  if (auto notifier = _parts->notifier) notifier->addCurrentSendBytes(sentBytes);
+  const Kept kept(self);
+  _parts->notifier.addCurrentSendBytes(sentBytes);
 }
 
 - (void)cancelFileTransfer {
-  if (auto notifier = _parts->notifier) notifier->cancelFileTransfer();
+  const Kept kept(self);
+  _parts->notifier.cancelFileTransfer();
 }
 
 - (void)deleteFileTransfer {
-  if (auto notifier = _parts->notifier) notifier->deleteFileTransfer();
+  const Kept kept(self);
+  _parts->notifier.deleteFileTransfer();
 }
 
 - (void)setPodcastXmlData:(NSDictionary*)podcastXmlData {
-  if (auto notifier = _parts->notifier) notifier->setPodcastXmlData(toDictionary(podcastXmlData));
+  const Kept kept(self);
+  _parts->notifier.setPodcastXmlData(toDictionary(podcastXmlData));
 }
 
 // A getter and a setter for each field; `toLibrary` and `fromLibrary` say how a value crosses.
-#define UMS_PROPERTY(Type, getter, setter, toLibrary, fromLibrary)              \
-  -(Type)getter {                                                               \
-    return _parts->notifier ? fromLibrary(_parts->notifier->getter()) : Type(); \
-  }                                                                             \
-  -(void)setter : (Type)value {                                                 \
-    if (_parts->notifier) _parts->notifier->setter(toLibrary(value));           \
+#define UMS_PROPERTY(Type, getter, setter, toLibrary, fromLibrary) \
+  -(Type)getter {                                                  \
+    return fromLibrary(_parts->notifier.getter());                 \
+  }                                                                \
+  -(void)setter : (Type)value {                                    \
+    _parts->notifier.setter(toLibrary(value));                     \
   }
 
 using Text = NSString*;

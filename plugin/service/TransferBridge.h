@@ -1,15 +1,34 @@
 /// Direct transfers across the two worlds: who is told of progress, with which context.
 ///
-/// A host's callback object and context reach the library as `HostCallback` and `HostContext`; those of the
-/// library reach a file service of the host as a `UMSTransferProgress` and an `OVUmsDeviceNotifier`. All four
-/// are made for one call. Where both ends are services of this bundle, the calls cross twice.
+/// A host's callback object and context reach the library as `HostCallback` and `HostContext`, made for one
+/// call. A file service of the host is told through a `UMSTransferPeer`, which stands for the service that
+/// the run belongs to, and through the run's own `OVUmsDeviceNotifier`. Where both ends are services of this
+/// bundle, the calls cross twice.
 #pragma once
 
 #import <Foundation/Foundation.h>
 
 #import "UMSServiceBundle/OVFileService.h"
+#include "service/ObjectSection.h"
 #include "umsservice/OVFileService.h"
 #include "umsservice/OVUmsDeviceNotifier.h"
+
+struct UMSTransferPeerParts;
+
+/// The service that a run of a device-to-device copy belongs to, as the callback object of its writes.
+///
+/// To its progress it answers with the run's own test of cancels on top, as the destination knows nothing of
+/// them. For everything else it is the service: it answers every selector, and is equal to it. It may outlive
+/// the service, whose end it does not hold up; it answers NO, 0 and nil then. Safe from any thread.
+@interface UMSTransferPeer : NSProxy <UMSTransferCallback> {
+ @private
+  struct UMSTransferPeerParts* _parts;
+}
+- (id)initWithSource:(const std::shared_ptr<umsplugin::ObjectSection>&)source
+            callback:(const std::shared_ptr<umsservice::TransferCallback>&)callback;
+/// From now on the service itself answers to progress.
+- (void)runHasEnded;
+@end
 
 namespace umsplugin {
 
@@ -43,10 +62,12 @@ class HostCallback final : public umsservice::TransferCallback {
   const id callback_;
 };
 
-/// A file service of the host, as the destination of a device-to-device copy.
+/// A file service of the host, as the destination of one run of a device-to-device copy.
 class HostFileService final : public umsservice::OVFileService {
  public:
-  explicit HostFileService(id service) : service_([service retain]) {}
+  /// `source` is the service that copies.
+  HostFileService(id service, std::shared_ptr<ObjectSection> source)
+      : service_([service retain]), source_(std::move(source)) {}
   ~HostFileService() override;
   HostFileService(const HostFileService&) = delete;
   HostFileService& operator=(const HostFileService&) = delete;
@@ -61,17 +82,11 @@ class HostFileService final : public umsservice::OVFileService {
                              umsservice::TransferContext* context, uint32_t* error) override;
 
  private:
+  UMSTransferPeer* peerFor(const std::shared_ptr<umsservice::TransferCallback>& callback);
+
   const id service_;
+  const std::shared_ptr<ObjectSection> source_;
+  UMSTransferPeer* peer_ = nil;  ///< made at the run's first write
 };
 
 }  // namespace umsplugin
-
-/// What a file service of the host tells of a device-to-device copy. Good for the length of the call; later
-/// it answers NO.
-@interface UMSTransferProgress : NSObject <UMSTransferCallback> {
- @private
-  umsservice::TransferCallback* _callback;
-}
-- (id)initWithCallback:(umsservice::TransferCallback*)callback;
-- (void)transferHasEnded;
-@end

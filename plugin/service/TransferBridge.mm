@@ -1,5 +1,8 @@
 #include "service/TransferBridge.h"
 
+#include <cstddef>
+#include <vector>
+
 #include "bridge/CallbackScope.h"
 #include "bridge/Text.h"
 #include "bridge/Values.h"
@@ -18,23 +21,6 @@ id contextOf(TransferContext* context) {
   auto* host = dynamic_cast<HostContext*>(context);
   return host ? host->context() : nil;
 }
-
-/// What a file service of the host gets for one call, and can keep only the shell of.
-struct Loan {
-  Loan(const std::shared_ptr<TransferCallback>& callback, TransferContext* context)
-      : progress([[UMSTransferProgress alloc] initWithCallback:callback.get()]),
-        notifier(borrowedNotifier(context)) {}
-  ~Loan() {
-    [progress transferHasEnded];
-    [progress release];
-    giveBackNotifier(notifier);
-  }
-  Loan(const Loan&) = delete;
-  Loan& operator=(const Loan&) = delete;
-
-  UMSTransferProgress* const progress;
-  OVUmsDeviceNotifier* const notifier;
-};
 
 }  // namespace
 
@@ -73,7 +59,17 @@ bool HostCallback::transferProgressInfoEx(TransferContext* context, uint64_t max
 }
 
 HostFileService::~HostFileService() {
-  inCallback([this] { [service_ release]; });
+  inCallback([this] {
+    [peer_ runHasEnded];
+    [peer_ release];
+    [service_ release];
+  });
+}
+
+/// One for the run, as a run has one callback.
+UMSTransferPeer* HostFileService::peerFor(const std::shared_ptr<TransferCallback>& callback) {
+  if (!peer_) peer_ = [[UMSTransferPeer alloc] initWithSource:source_ callback:callback];
+  return peer_;
 }
 
 MaybeArray HostFileService::diskInformation() {
@@ -108,51 +104,124 @@ bool HostFileService::syncWriteFileToDevice(const MaybeDictionary& fileInformati
                             subFolderName:diskIndex:mediaType:isOverWrite:callbackObject:context:error:)]) {
       return false;
     }
-    const Loan loan(callbackObject, context);
     return [service_ syncWriteFileToDevice:toHost(fileInformation)
                              subFolderName:toHost(subFolderName)
                                  diskIndex:diskIndex
                                  mediaType:mediaType
                                isOverWrite:isOverWrite
-                            callbackObject:loan.progress
-                                   context:loan.notifier
+                            callbackObject:peerFor(callbackObject)
+                                   context:objectOf(context)
                                      error:error];
   });
 }
 
 }  // namespace umsplugin
 
-@implementation UMSTransferProgress
+struct UMSTransferPeerParts {
+  UMSTransferPeerParts(const std::shared_ptr<umsplugin::ObjectSection>& service,
+                       const std::shared_ptr<TransferCallback>& runsCallback)
+      : source(service),
+        sourceClass([service->object() class]),
+        hash([service->object() hash]),
+        callback(runsCallback) {}
 
-- (id)initWithCallback:(TransferCallback*)callback {
-  if ((self = [super init])) _callback = callback;
+  const std::shared_ptr<umsplugin::ObjectSection> source;
+  const Class sourceClass;
+  const NSUInteger hash;
+  std::recursive_mutex mutex;
+  std::shared_ptr<TransferCallback> callback;  ///< null once the run has ended
+};
+
+@implementation UMSTransferPeer
+
+- (id)initWithSource:(const std::shared_ptr<umsplugin::ObjectSection>&)source
+            callback:(const std::shared_ptr<TransferCallback>&)callback {
+  _parts = new UMSTransferPeerParts(source, callback);
   return self;
 }
 
-- (void)transferHasEnded {
-  @synchronized(self) {
-    _callback = nullptr;
-  }
+- (void)dealloc {
+  delete _parts;
+  [super dealloc];
+}
+
+- (void)runHasEnded {
+  std::lock_guard lock(_parts->mutex);
+  _parts->callback = nullptr;
 }
 
 - (BOOL)transferProgressInfo:(id)context
              maxTransferSize:(unsigned int)maxTransferSize
          currentTransferSize:(unsigned int)currentTransferSize {
-  @synchronized(self) {
-    if (!_callback) return NO;
-    return _callback->transferProgressInfo(umsplugin::notifierIn(context), maxTransferSize,
-                                           currentTransferSize);
+  std::lock_guard lock(_parts->mutex);
+  if (_parts->callback) {
+    return _parts->callback->transferProgressInfo(umsplugin::notifierIn(context), maxTransferSize,
+                                                  currentTransferSize);
   }
+  BOOL goesOn = NO;
+  _parts->source->whileThere([&](id service) {
+    goesOn = [service transferProgressInfo:context
+                           maxTransferSize:maxTransferSize
+                       currentTransferSize:currentTransferSize];
+  });
+  return goesOn;
 }
 
 - (BOOL)transferProgressInfoEx:(id)context
                maxTransferSize:(unsigned long long)maxTransferSize
            currentTransferSize:(unsigned long long)currentTransferSize {
-  @synchronized(self) {
-    if (!_callback) return NO;
-    return _callback->transferProgressInfoEx(umsplugin::notifierIn(context), maxTransferSize,
-                                             currentTransferSize);
+  std::lock_guard lock(_parts->mutex);
+  if (_parts->callback) {
+    return _parts->callback->transferProgressInfoEx(umsplugin::notifierIn(context), maxTransferSize,
+                                                    currentTransferSize);
   }
+  BOOL goesOn = NO;
+  _parts->source->whileThere([&](id service) {
+    goesOn = [service transferProgressInfoEx:context
+                             maxTransferSize:maxTransferSize
+                         currentTransferSize:currentTransferSize];
+  });
+  return goesOn;
+}
+
+// Everything else is the service's.
+
+- (NSMethodSignature*)methodSignatureForSelector:(SEL)selector {
+  return [_parts->sourceClass instanceMethodSignatureForSelector:selector];
+}
+
+- (void)forwardInvocation:(NSInvocation*)invocation {
+  if (_parts->source->whileThere([invocation](id service) { [invocation invokeWithTarget:service]; })) return;
+  std::vector<std::byte> nothing([[invocation methodSignature] methodReturnLength]);
+  if (!nothing.empty()) [invocation setReturnValue:nothing.data()];
+}
+
+- (Class)class {
+  return _parts->sourceClass;
+}
+
+- (BOOL)isKindOfClass:(Class)aClass {
+  return [_parts->sourceClass isSubclassOfClass:aClass];
+}
+
+- (BOOL)respondsToSelector:(SEL)selector {
+  return [_parts->sourceClass instancesRespondToSelector:selector];
+}
+
+- (BOOL)conformsToProtocol:(Protocol*)protocol {
+  return [_parts->sourceClass conformsToProtocol:protocol];
+}
+
+- (BOOL)isEqual:(id)other {
+  return other == self || other == _parts->source->object();
+}
+
+- (NSUInteger)hash {
+  return _parts->hash;
+}
+
+- (NSString*)description {
+  return umsplugin::toHostText(_parts->source->description());
 }
 
 @end

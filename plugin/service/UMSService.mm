@@ -20,7 +20,7 @@ using umsplugin::toText;
 - (id)init {
   if (!(self = [super init])) return nil;
   try {
-    _parts = new UMSServiceParts;
+    _parts = new UMSServiceParts(self);
   } catch (const std::exception&) {
     [self release];
     return nil;
@@ -31,7 +31,7 @@ using umsplugin::toText;
 - (id)initWithLocationID:(NSString*)locationID {
   if (!(self = [super init])) return nil;
   try {
-    _parts = new UMSServiceParts(toText(locationID));
+    _parts = new UMSServiceParts(self, toText(locationID));
   } catch (const std::exception&) {
     [self release];
     return nil;
@@ -40,9 +40,21 @@ using umsplugin::toText;
 }
 
 - (void)dealloc {
-  if (_parts) _parts->confirmDelegate->setDelegate(nil);
+  if (_parts) {
+    _parts->confirmDelegate->setDelegate(nil);
+    _parts->section->forget();
+  }
   delete _parts;
   [super dealloc];
+}
+
+/// What stands for the service at the destination of a copy says so too.
+- (BOOL)isEqual:(id)other {
+  return self == other || ([other isProxy] && [other isEqual:self]);
+}
+
+- (NSUInteger)hash {
+  return [super hash];
 }
 
 - (void)setConfirmDelegate:(id)delegate {
@@ -208,7 +220,7 @@ using umsplugin::toText;
          contents:(NSArray**)contents {
   umsservice::MaybeArray listed;
   if (!_parts->service.fileLists(serviceID, toText(folder), enumChild, &listed)) return NO;
-  if (contents) *contents = toHost(listed);
+  if (contents) *contents = [[toHost(listed) copy] autorelease];
   return YES;
 }
 
@@ -225,9 +237,11 @@ using umsplugin::toText;
 }
 
 - (BOOL)fileExistsAtPath:(NSString*)path isDirectory:(BOOL*)isDirectory {
-  bool folder = isDirectory && *isDirectory;
-  const bool exists = _parts->service.fileExistsAtPath(toText(path), &folder);
-  if (isDirectory) *isDirectory = folder;
+  const umsservice::MaybeString given = toText(path);
+  bool folder = false;
+  const bool exists = _parts->service.fileExistsAtPath(given, &folder);
+  // Without a path there is nothing to tell, and the host's variable stays as it is.
+  if (isDirectory && given) *isDirectory = folder;
   return exists;
 }
 
@@ -334,7 +348,7 @@ using umsplugin::toText;
 - (BOOL)podcastXmlLists:(unsigned int)serviceID fileName:(NSString*)folder contents:(NSArray**)contents {
   umsservice::MaybeArray listed;
   if (!_parts->service.podcastXmlLists(serviceID, toText(folder), &listed)) return NO;
-  if (contents) *contents = toHost(listed);
+  if (contents) *contents = [[toHost(listed) copy] autorelease];
   return YES;
 }
 

@@ -35,6 +35,10 @@ void ComputedArray::append(Value value) {
   own().append(std::move(value));
 }
 
+bool ComputedArray::edit(const std::function<bool(std::vector<Value>&)>& change) {
+  return own().edit(change);
+}
+
 void ComputedArray::removeAt(size_t index) {
   own().removeAt(index);
 }

@@ -19,6 +19,7 @@ class ComputedArray : public ArrayStorage {
   size_t count() const override;
   Value at(size_t index) const override;
   void append(Value value) override;
+  bool edit(const std::function<bool(std::vector<Value>&)>& change) override;
   void removeAt(size_t index) override;
   void assign(std::vector<Value> values) override;
   std::vector<Value> snapshot() const override;

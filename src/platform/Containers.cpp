@@ -26,6 +26,15 @@ class MemoryArray final : public ArrayStorage {
     MutexLock lock(mutex_);
     own(before).push_back(std::move(value));
   }
+  bool edit(const std::function<bool(std::vector<Value>&)>& change) override {
+    Values changed;  // outlives the lock, as above
+    MutexLock lock(mutex_);
+    changed = std::make_shared<std::vector<Value>>(*values_);
+    if (!change(*changed)) return false;
+    values_.swap(changed);
+    isShared_ = false;
+    return true;
+  }
   void removeAt(size_t index) override {
     Values before;
     Value removed;
@@ -146,6 +155,7 @@ Dictionary::Dictionary(std::initializer_list<std::pair<std::string, Value>> entr
     : storage_(std::make_shared<MemoryDictionary>(std::span(entries.begin(), entries.size()))) {}
 
 Dictionary Dictionary::mutableCopy() const {
+  if (auto copy = storage_->mutableCopy()) return Dictionary(std::move(copy));
   if (auto* own = dynamic_cast<const MemoryDictionary*>(storage_.get())) {
     return Dictionary(std::make_shared<MemoryDictionary>(own->entries()));
   }

@@ -33,16 +33,6 @@ class CAPABILITY("mutex") Mutex {
   std::mutex mutex_;
 };
 
-/// May be taken again by the thread that holds it, so that a notification handler can come back in.
-class CAPABILITY("mutex") RecursiveMutex {
- public:
-  void lock() ACQUIRE() { mutex_.lock(); }
-  void unlock() RELEASE() { mutex_.unlock(); }
-
- private:
-  std::recursive_mutex mutex_;
-};
-
 /// Holds a lock for a block.
 template <typename M>
 class SCOPED_CAPABILITY ScopedLock {
@@ -57,7 +47,6 @@ class SCOPED_CAPABILITY ScopedLock {
 };
 
 using MutexLock = ScopedLock<Mutex>;
-using RecursiveMutexLock = ScopedLock<RecursiveMutex>;
 
 /// A condition to wait on while holding a `Mutex`.
 class Condition {

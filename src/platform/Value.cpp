@@ -120,6 +120,7 @@ std::string indented(std::string text) {
 }
 
 std::string describeArray(const Array& array) {
+  if (auto words = array.storage()->description()) return *words;
   std::string words = "(";
   for (const Value& element : array.snapshot()) {
     words += (words.size() > 1 ? "," : "") + std::string("\n    ") + indented(element.description());
@@ -128,6 +129,7 @@ std::string describeArray(const Array& array) {
 }
 
 std::string describeDictionary(const Dictionary& dictionary) {
+  if (auto words = dictionary.storage()->description()) return *words;
   std::string words = "{";
   for (const std::string& name : dictionary.keys()) {
     words += "\n    " + name + " = " + indented(dictionary.get(name).description()) + ";";
@@ -160,6 +162,11 @@ std::optional<WholeAmount> wholeAmountOfReal(double real) {
   if (!(real >= -kBound / 2 && real < kBound) || std::trunc(real) != real) return std::nullopt;
   if (real < 0) return WholeAmount{true, static_cast<uint64_t>(static_cast<int64_t>(real))};
   return WholeAmount{false, static_cast<uint64_t>(real)};
+}
+
+/// A number as a kind of this library's.
+Value amountOf(const Value& number) {
+  return number.kind() == Value::Kind::Foreign ? number.foreignObject()->number() : number;
 }
 
 /// Exact for every pair of widths: a real is never compared with a rounded integer.
@@ -232,23 +239,33 @@ std::shared_ptr<ForeignObject> Value::foreignObject() const {
   return object ? *object : nullptr;
 }
 
+bool Value::isNumber() const {
+  if (kind() == Kind::Foreign) return !foreignObject()->number().isNil();
+  return kind() >= Kind::Boolean && kind() <= Kind::Real;
+}
+
 int32_t Value::intValue() const {
+  if (kind() == Kind::Foreign) return foreignObject()->number().intValue();
   return std::visit([](const auto& held) { return integerOf<int32_t>(held); }, held_);
 }
 
 uint32_t Value::unsignedIntValue() const {
+  if (kind() == Kind::Foreign) return foreignObject()->number().unsignedIntValue();
   return std::visit([](const auto& held) { return integerOf<uint32_t>(held); }, held_);
 }
 
 int64_t Value::longLongValue() const {
+  if (kind() == Kind::Foreign) return foreignObject()->number().longLongValue();
   return std::visit([](const auto& held) { return integerOf<int64_t>(held); }, held_);
 }
 
 uint64_t Value::unsignedLongLongValue() const {
+  if (kind() == Kind::Foreign) return foreignObject()->number().unsignedLongLongValue();
   return std::visit([](const auto& held) { return integerOf<uint64_t>(held); }, held_);
 }
 
 double Value::doubleValue() const {
+  if (kind() == Kind::Foreign) return foreignObject()->number().doubleValue();
   if (const std::string* text = stringIfAny()) return realOfText(*text);
   if (auto* real = std::get_if<double>(&held_)) return *real;
   return kind() == Kind::UInt64 ? static_cast<double>(unsignedLongLongValue())
@@ -256,13 +273,14 @@ double Value::doubleValue() const {
 }
 
 bool Value::boolValue() const {
+  if (kind() == Kind::Foreign) return foreignObject()->number().boolValue();
   if (const std::string* text = stringIfAny()) return textIsTrue(*text);
   if (auto* real = std::get_if<double>(&held_)) return *real != 0;
   return unsignedLongLongValue() != 0;
 }
 
 bool Value::isEqual(const Value& other) const {
-  if (isNumber() && other.isNumber()) return isEqualNumbers(*this, other);
+  if (isNumber() && other.isNumber()) return isEqualNumbers(amountOf(*this), amountOf(other));
   if (kind() != other.kind()) return false;
   switch (kind()) {
     case Kind::String:

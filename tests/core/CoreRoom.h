@@ -71,6 +71,25 @@ class ScriptedOperations final : public LongOperations {
   }
 };
 
+/// An object of a host's; a test sees whether its section is free.
+class HostsObject final : public SynchronizedObject {
+ public:
+  void lock() override {
+    mutex_.lock();
+    ++depth_;
+  }
+  void unlock() override {
+    --depth_;
+    mutex_.unlock();
+  }
+  std::string description() const override { return "<service>"; }
+  bool isFree() const { return depth_ == 0; }
+
+ private:
+  std::recursive_mutex mutex_;
+  std::atomic<int> depth_{0};
+};
+
 inline std::unique_ptr<_serviceinfo> request(uint32_t serviceID, uint32_t mediaType = kMediaMusic) {
   auto record = std::make_unique<_serviceinfo>();
   record->serviceID = serviceID;
@@ -85,7 +104,8 @@ class CoreTest : public ::testing::Test {
   TestSurroundings surroundings;
   Sandbox& sandbox = surroundings.sandbox;
   LogRecorder& log = *surroundings.log;
-  ServiceContext context{surroundings.environment, "<service>", "location-1"};
+  const std::shared_ptr<HostsObject> object = std::make_shared<HostsObject>();
+  ServiceContext context{surroundings.environment, "not the host's words", "location-1", object};
   KeptReports reports;
   ScriptedOperations operations;
   umsservice::Dispatcher dispatcher{context, reports, operations};

@@ -133,26 +133,18 @@ TEST_F(Dispatcher, LongCommandsReportAsTheirRowSays) {
 }
 
 TEST_F(Dispatcher, ALongOperationHoldsTheSectionAndAShortOneDoesNot) {
-  auto sectionIsFree = [this] {
-    bool free = false;
-    std::thread([&] {
-      free = context.synchronizedSection.try_lock();
-      if (free) context.synchronizedSection.unlock();
-    }).join();
-    return free;
-  };
   bool freeDuring = true;
   operations.answer = [&] {
-    freeDuring = sectionIsFree();
+    freeDuring = object->isFree();
     return true;
   };
   for (uint32_t command : {205u, 210u, 213u, 216u, 217u}) {
     freeDuring = true;
     run(of(command));
     EXPECT_FALSE(freeDuring) << command;
-    EXPECT_TRUE(sectionIsFree()) << command;
+    EXPECT_TRUE(object->isFree()) << command;
   }
-  std::lock_guard held(context.synchronizedSection);
+  std::lock_guard held(context.synchronizedSection());
   std::thread([&] { run(of(kCommandWriteFile)); }).join();
   EXPECT_EQ(reports.lines().back(), result(0, 0));
 }
@@ -161,10 +153,43 @@ TEST_F(Dispatcher, AnExceptionLeavesTheSectionAndReachesTheWorker) {
   operations.answer = []() -> bool { throw std::runtime_error("gone"); };
   EXPECT_THROW(run(of(kCommandCopyToDevice)), std::runtime_error);
   EXPECT_EQ(reports.lines(), Lines());
-  std::thread([&] {
-    EXPECT_TRUE(context.synchronizedSection.try_lock());
-    context.synchronizedSection.unlock();
-  }).join();
+  EXPECT_TRUE(object->isFree());
+}
+
+TEST_F(Dispatcher, TellsTheHostOfTheEndOfALongRequestThatAnExceptionStopped) {
+  operations.answer = []() -> bool { throw std::runtime_error("gone"); };
+  for (uint32_t command : {205u, 210u, 213u, 216u, 217u}) dispatcher.serve(of(command));
+  const std::string end = "cancel 7: at (null) type 1 file 0 of 0 status 3";
+  const std::string failed = result(0x23000001, 0);
+  EXPECT_EQ(reports.lines(), (Lines{end, end, end, failed, end, end, failed}));
+  EXPECT_TRUE(log.has("Request is stopped by an exception. Reason :gone"));
+  EXPECT_TRUE(object->isFree());
+}
+
+TEST_F(Dispatcher, TellsOfTheEndBesideAHandlerThatThrowsAgain) {
+  operations.answer = []() -> bool { throw std::runtime_error("gone"); };
+  reports.onCancel = [](uint32_t) { throw std::runtime_error("gone again"); };
+  dispatcher.serve(of(kCommandCopyToDevice));
+  EXPECT_EQ(reports.lines().size(), 2u);
+  EXPECT_EQ(reports.lines().back(), result(0x23000001, 0));
+}
+
+TEST_F(Dispatcher, ReportsWhatItServesAsItAlwaysDoes) {
+  operations.answer = [] { return true; };
+  dispatcher.serve(of(kCommandCopyToDevice));
+  dispatcher.serve(of(kCommandSyncContents));
+  dispatcher.serve(of(kCommandGetList));
+  EXPECT_EQ(reports.lines(), (Lines{result(0, 0), result(0, 0)}));
+}
+
+TEST_F(Dispatcher, LogsTheReasonThatTheHostGivesForItsOwnExceptions) {
+  struct NoStandardException {};
+  operations.answer = []() -> bool { throw NoStandardException(); };
+  surroundings.environment.exceptionReason = []() -> MaybeString { return "the host's words"; };
+  ServiceContext hosts(surroundings.environment, "<service>", std::nullopt);
+  umsservice::Dispatcher at(hosts, reports, operations);
+  at.serve(of(kCommandCopyToDevice));
+  EXPECT_TRUE(log.has("Request is stopped by an exception. Reason :the host's words"));
 }
 
 TEST_F(Dispatcher, CreatesAnEmptyFile) {

@@ -31,6 +31,21 @@ TEST_F(VolumeRegistry, TheInternalMemoryComesFirstWheneverItWasAdded) {
   EXPECT_EQ(listed(), (Lines{"0 1 /Volumes/PHONE", "1 2 /Volumes/CARD"}));
 }
 
+TEST_F(VolumeRegistry, AVolumeThatAHostPutsInByHandMeanwhileIsNotLost) {
+  constexpr int kEach = 300;
+  std::thread host([this] {
+    for (int i = 0; i < kEach; ++i) {
+      volumes.diskInformation().edit([](std::vector<Value>& list) {
+        list.insert(list.begin(), disk(1, "by hand"));
+        return true;
+      });
+    }
+  });
+  for (int i = 0; i < kEach; ++i) volumes.addDiskInformation(disk(2, "added"));
+  host.join();
+  EXPECT_EQ(volumes.count(), size_t{2 * kEach});
+}
+
 TEST_F(VolumeRegistry, VolumesOfOneKindKeepTheirOrder) {
   for (const auto& [type, path] :
        std::vector<std::pair<int, const char*>>{{2, "a"}, {1, "b"}, {7, "c"}, {1, "d"}, {0, "e"}, {-1, "f"}})

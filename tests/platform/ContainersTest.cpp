@@ -6,6 +6,37 @@
 namespace umsservice::testing {
 namespace {
 
+/// A list of a host's that leaves what it can to the defaults.
+class HostsArray final : public ArrayStorage {
+ public:
+  size_t count() const override { return values_.size(); }
+  Value at(size_t index) const override { return values_.at(index); }
+  void append(Value value) override { values_.push_back(std::move(value)); }
+  void removeAt(size_t) override {}
+  void assign(std::vector<Value> values) override { values_ = std::move(values); }
+  std::vector<Value> snapshot() const override { return values_; }
+  MaybeString description() const override { return "the host's words"; }
+
+ private:
+  std::vector<Value> values_;
+};
+
+/// A table of a host's with copies of its own kind.
+class HostsDictionary final : public DictionaryStorage {
+ public:
+  explicit HostsDictionary(bool isCopy = false) : isCopy_(isCopy) {}
+  Value get(std::string_view) const override { return isCopy_ ? "yes" : "no"; }
+  void set(std::string_view, Value) override {}
+  std::vector<std::string> keys() const override { return {"copied"}; }
+  std::shared_ptr<DictionaryStorage> mutableCopy() const override {
+    return std::make_shared<HostsDictionary>(true);
+  }
+  MaybeString description() const override { return "the host's words"; }
+
+ private:
+  const bool isCopy_;
+};
+
 TEST(Arrays, KeepTheirElementsInOrder) {
   Array array{"a", 2, Null()};
   array.append(4.5);
@@ -40,6 +71,46 @@ TEST(Arrays, CloseTheGapWhereAnElementWasRemoved) {
   Array array{"a", "b", "c"};
   array.removeAt(1);
   EXPECT_TRUE(Value(array).isEqual(Array{"a", "c"}));
+}
+
+TEST(Arrays, LoseNothingBetweenTwoEditsAtOnce) {
+  constexpr int kEach = 2000;
+  Array array;
+  auto growAtTheFront = [&array](int number) {
+    array.edit([number](std::vector<Value>& values) {
+      values.insert(values.begin(), number);
+      return true;
+    });
+  };
+  std::thread other([&] {
+    for (int i = 0; i < kEach; ++i) growAtTheFront(i);
+  });
+  for (int i = 0; i < kEach; ++i) growAtTheFront(-i);
+  other.join();
+  EXPECT_EQ(array.count(), size_t{2 * kEach});
+}
+
+TEST(Arrays, AreEditedByEveryStorageAndStayAsTheyWereWhenTheEditSaysSo) {
+  Array own(std::make_shared<HostsArray>());
+  for (Array array : {Array{1, 2}, own}) {
+    EXPECT_TRUE(array.edit([](std::vector<Value>& values) {
+      values.assign({3});
+      return true;
+    }));
+    EXPECT_FALSE(array.edit([](std::vector<Value>&) { return false; }));
+    EXPECT_EQ(array.count(), 1u);
+    EXPECT_EQ(array.at(0).intValue(), 3);
+  }
+}
+
+TEST(Arrays, AreDescribedInTheWordsOfTheirHost) {
+  EXPECT_EQ(Value(Array(std::make_shared<HostsArray>())).description(), "the host's words");
+}
+
+TEST(Dictionaries, AreCopiedAndDescribedAsTheirHostDoes) {
+  Dictionary copy = Dictionary(std::make_shared<HostsDictionary>()).mutableCopy();
+  EXPECT_EQ(copy.string("copied"), "yes");
+  EXPECT_EQ(Value(copy).description(), "the host's words");
 }
 
 TEST(Arrays, AreReferencesToOneContainer) {

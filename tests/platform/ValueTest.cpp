@@ -171,6 +171,34 @@ TEST(Values, HoldNothingElseInAnObjectOfTheHost) {
   EXPECT_TRUE(Value(std::shared_ptr<ForeignObject>()).isNil());
 }
 
+/// A number that only its host can write.
+class Decimal final : public ForeignObject {
+ public:
+  explicit Decimal(std::string words) : words_(std::move(words)) {}
+  std::string description() const override { return words_; }
+  bool isEqual(const ForeignObject& other) const override { return description() == other.description(); }
+  Value number() const override { return std::stod(words_); }
+
+ private:
+  const std::string words_;
+};
+
+TEST(Values, CountANumberOfTheHostAsOneAndShowItInTheHostsWords) {
+  Value value(std::make_shared<Decimal>("12345678901234567890"));
+  EXPECT_TRUE(value.isNumber());
+  EXPECT_EQ(value.description(), "12345678901234567890");
+  EXPECT_EQ(value.unsignedLongLongValue(), 12345678901234567168u);
+  EXPECT_EQ(value.intValue(), std::numeric_limits<int32_t>::max());
+  EXPECT_TRUE(value.boolValue());
+  Value small(std::make_shared<Decimal>("41"));
+  EXPECT_EQ(small.unsignedIntValue(), 41u);
+  EXPECT_EQ(small.longLongValue(), 41);
+  EXPECT_EQ(small.doubleValue(), 41);
+  EXPECT_TRUE(small.isEqual(41));
+  EXPECT_TRUE(Value(41.0).isEqual(small));
+  EXPECT_FALSE(small.isEqual(Value(std::make_shared<Decimal>("42"))));
+}
+
 TEST(Values, HoldTheSameContainerAndNotACopyOfIt) {
   Array array{1};
   Value held(array);

@@ -66,6 +66,42 @@ TEST_F(Converter, DescribesValuesThatAreNoTexts) {
   EXPECT_EQ(text([[[post elementsForName:@"Author"] lastObject] stringValue]), "");
 }
 
+TEST_F(Converter, WritesValuesAsThePlatformDoes) {
+  const unichar odd[] = {'a', 0xEF81, 'b'};
+  const unichar control[] = {'a', 1, 'b'};
+  NSDictionary* values = [NSDictionary
+      dictionaryWithObjectsAndKeys:[NSNumber numberWithFloat:4.1f], @"Rating",
+                                   [NSDecimalNumber decimalNumberWithString:@"12345678901234567890"],
+                                   @"Length", [NSNumber numberWithBool:YES], @"DRMProperty",
+                                   [NSNumber numberWithDouble:0.1], @"Bitrate",
+                                   [NSArray arrayWithObjects:@"a b", @"c", nil], @"Author",
+                                   [NSString stringWithCharacters:odd length:3], @"Summary",
+                                   [NSString stringWithCharacters:control length:3], @"Link", @"a\r\nb\rc",
+                                   @"Description", @"   ", @"SubTitle", nil];
+  NSXMLElement* post =
+      [[[document([NSArray arrayWithObject:values]) rootElement] elementsForName:@"Post"] lastObject];
+  auto written = [&](NSString* name) { return text([[[post elementsForName:name] lastObject] stringValue]); };
+  for (NSString* name : {@"Rating", @"Length", @"DRMProperty", @"Bitrate", @"Author", @"Summary"}) {
+    NSArray* elements = [post elementsForName:name];
+    if ([elements count] == 0) continue;  // not every number has a field
+    EXPECT_EQ(written(name), text([[values objectForKey:name] description])) << text(name);
+  }
+  EXPECT_EQ(written(@"Rating"), "4.1");
+  EXPECT_EQ(written(@"Link"), "ab") << "no document holds that character";
+  EXPECT_EQ(written(@"Description"), "a\r\nb\rc");
+  EXPECT_EQ(written(@"SubTitle"), "   ");
+}
+
+TEST_F(Converter, TakesOneEpisodeAfterTheOther) {
+  NSXMLDocument* made = document([NSArray array]);
+  for (int i = 0; i < 50; ++i) {
+    [converter addPodcastEpisode:episode([NSString stringWithFormat:@"u%d", i]) inXML:made];
+  }
+  ASSERT_EQ(urls(made).size(), 50u);
+  EXPECT_EQ(urls(made)[49], "u49");
+  EXPECT_EQ([[[converter makePodcastDictionaryFromXML:bytes(made)] objectForKey:@"children"] count], 50u);
+}
+
 TEST_F(Converter, ReadsWhatItWrote) {
   NSDictionary* read =
       [converter makePodcastDictionaryFromXML:bytes(document([NSArray

@@ -1,4 +1,7 @@
 /// Copies from one device to another: both served by the bundle, or one by the host itself.
+#include <atomic>
+#include <thread>
+
 #include "HostTest.h"
 
 /// Hands out file services by location, and answers overwrite questions as a test sets them.
@@ -44,6 +47,8 @@
   BOOL progressAnswer;
   id keptCallback;
   id keptContext;
+  NSMutableSet* callbacks;
+  NSMutableSet* contexts;
 }
 @end
 
@@ -52,11 +57,15 @@
   if ((self = [super init])) {
     written = [[NSMutableArray alloc] init];
     overwrites = new std::vector<bool>;
+    callbacks = [[NSMutableSet alloc] init];
+    contexts = [[NSMutableSet alloc] init];
   }
   return self;
 }
 - (void)dealloc {
   delete overwrites;
+  [callbacks release];
+  [contexts release];
   [volumes release];
   [written release];
   [keptCallback release];
@@ -82,10 +91,14 @@
                                                [NSNumber numberWithUnsignedInt:mediaType], nil]];
   overwrites->push_back(isOverWrite);
   progressAnswer = [callbackObject transferProgressInfoEx:context maxTransferSize:6 currentTransferSize:6];
-  [keptCallback release];
-  [keptContext release];
-  keptCallback = [callbackObject retain];
-  keptContext = [context retain];
+  @synchronized(self) {
+    [keptCallback release];
+    [keptContext release];
+    keptCallback = [callbackObject retain];
+    keptContext = [context retain];
+    [callbacks addObject:[NSValue valueWithPointer:callbackObject]];
+    [contexts addObject:[NSValue valueWithPointer:context]];
+  }
   *error = isOverWrite ? 0 : nextError;
   return *error == 0;
 }
@@ -98,7 +111,7 @@ class DeviceToDevice : public HostTest {
  protected:
   DeviceToDevice() { [service setConfirmDelegate:delegate]; }
   ~DeviceToDevice() override {
-    [service setConfirmDelegate:[NSNull null]];
+    if (!isGone) [service setConfirmDelegate:[NSNull null]];
     [delegate release];
   }
 
@@ -116,6 +129,7 @@ class DeviceToDevice : public HostTest {
 
   UMSService* const service = makeDevice();
   Delegate* const delegate = [[Delegate alloc] init];
+  bool isGone = false;  ///< the service was released by the test
 };
 
 class ToABundleService : public DeviceToDevice {
@@ -183,12 +197,27 @@ TEST_F(ToABundleService, AVolumeOrADeviceThatIsNotThereIsRefused) {
 }
 
 TEST_F(ToABundleService, TheDeviceMayGoWhileItIsWrittenTo) {
+  UMSService* gone = takeOver(other);
+  std::atomic<bool> letGo = false;
   onEach([&](NSNotification* notification) {
-    if ([[notification name] isEqualToString:kItemResult]) [delegate->services removeAllObjects];
+    if (![[notification name] isEqualToString:kItemResult] || letGo.exchange(true)) return;
+    [delegate->services removeAllObjects];
+    [gone release];
   });
   ASSERT_TRUE(copyTo(@"location-2", [NSArray arrayWithObjects:song("a.mp3"), song("b.mp3"), nil]));
   ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
   EXPECT_TRUE(exists(sandbox.at("other/Music/b.mp3"))) << "the service is retained for the run";
+}
+
+TEST_F(ToABundleService, ACancelStopsAFileInTheMiddle) {
+  NSDictionary* large = content(sandbox.patternFile("internal/Music/large.mp3", 3000000), "large.mp3");
+  onEach([&](NSNotification* notification) {
+    if ([[notification name] isEqualToString:kProgress]) [service cancelFileAction:31];
+  });
+  ASSERT_TRUE(copyTo(@"location-2", [NSArray arrayWithObject:large]));
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  EXPECT_LT(bytesOf(sandbox.at("other/Music/large.mp3")).size(), 3000000u);
+  EXPECT_FALSE([service isCancelServiceId:31]);
 }
 
 TEST_F(ToAHostService, EachFileIsHandedOverWithItsOwnDictionary) {
@@ -206,21 +235,103 @@ TEST_F(ToAHostService, EachFileIsHandedOverWithItsOwnDictionary) {
   EXPECT_EQ(text([progress objectForKey:@"MN"]), "Host Player");
 }
 
-TEST_F(ToAHostService, WhatTheServiceKeepsAfterTheCallIsDeaf) {
+TEST_F(ToAHostService, TheCallbackIsTheServiceAndTheContextTheRunsNotifier) {
+  ASSERT_TRUE(copyTo(@"location-3", [NSArray arrayWithObjects:song("a.mp3"), song("b.mp3"), nil]));
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  EXPECT_EQ([other->callbacks count], 1u);
+  EXPECT_EQ([other->contexts count], 1u) << "one notifier for the run";
+  id callback = other->keptCallback;
+  EXPECT_TRUE([callback isEqual:service]);
+  EXPECT_TRUE([service isEqual:callback]);
+  EXPECT_EQ([callback hash], [service hash]);
+  EXPECT_TRUE([callback isKindOfClass:[service class]]);
+  EXPECT_EQ([callback class], [service class]);
+  EXPECT_TRUE([callback conformsToProtocol:@protocol(OVFileService)]);
+  EXPECT_TRUE([callback respondsToSelector:@selector(fileExistsAtPath:isDirectory:)]);
+  EXPECT_FALSE([callback respondsToSelector:@selector(friendlyName)]);
+  EXPECT_EQ(text([callback locationID]), "location-1");
+  EXPECT_EQ(text([callback description]), text([service description]));
+  EXPECT_EQ([callback fileSizeAtDevice:string(internal + "/Music/a.mp3")], 10000u);
+}
+
+TEST_F(ToAHostService, WhatTheServiceKeepsAfterTheRunIsStillGood) {
   ASSERT_TRUE(copyTo(@"location-3", [NSArray arrayWithObject:song("a.mp3")]));
   ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
-  const NSUInteger before = [[ear named:nil] count];
-  EXPECT_TRUE([other->keptContext isKindOfClass:bundleClass(@"OVUmsDeviceNotifier")]);
+  OVUmsDeviceNotifier* kept = other->keptContext;
+  EXPECT_TRUE([kept isKindOfClass:bundleClass(@"OVUmsDeviceNotifier")]);
+  EXPECT_EQ([kept serviceID], 31u);
+  EXPECT_EQ(text([kept destLocationID]), "location-3");
+  EXPECT_EQ([kept currentTransferStatus], 4);
+  [kept cancelFileTransfer];
+  EXPECT_FALSE([other->keptCallback transferProgressInfoEx:kept maxTransferSize:6 currentTransferSize:6]);
+}
+
+TEST_F(ToAHostService, WhatTheServiceKeepsOutlivesTheOneThatCopied) {
+  ASSERT_TRUE(copyTo(@"location-3", [NSArray arrayWithObject:song("a.mp3")]));
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  [takeOver(service) release];
+  isGone = true;
+  EXPECT_EQ([other->keptCallback locationID], nil);
+  EXPECT_EQ([other->keptCallback freeSpace:0 diskIndex:0], 0u);
   EXPECT_FALSE([other->keptCallback transferProgressInfoEx:other->keptContext
                                            maxTransferSize:6
                                        currentTransferSize:6]);
-  OVUmsDeviceNotifier* kept = other->keptContext;
-  [kept cancelFileTransfer];
-  [kept setFilePath:@"/x"];
-  EXPECT_EQ([kept filePath], nil);
-  EXPECT_EQ([kept serviceID], 0u);
-  EXPECT_FALSE([service transferProgressInfoEx:kept maxTransferSize:6 currentTransferSize:6]);
-  EXPECT_EQ([[ear named:nil] count], before);
+  EXPECT_EQ([static_cast<OVUmsDeviceNotifier*>(other->keptContext) serviceID], 31u);
+}
+
+TEST_F(ToAHostService, TheContextMayBeUsedOnOtherThreadsWhileRunsEnd) {
+  std::atomic<bool> over = false;
+  std::atomic<int> looks = 0;
+  std::vector<std::thread> threads;
+  for (int i = 0; i < 4; ++i) {
+    threads.emplace_back([&] {
+      while (!over) {
+        NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+        OVUmsDeviceNotifier* context = nil;
+        id callback = nil;
+        @synchronized(other) {
+          context = [[other->keptContext retain] autorelease];
+          callback = [[other->keptCallback retain] autorelease];
+        }
+        if ([context serviceID] == 31) ++looks;
+        [context setFilePath:[context filePath]];
+        [callback transferProgressInfoEx:context maxTransferSize:6 currentTransferSize:6];
+        [pool release];
+      }
+    });
+  }
+  NSArray* contents = [NSArray arrayWithObjects:song("a.mp3"), song("b.mp3"), nil];
+  for (NSUInteger run = 1; run <= 30; ++run) {
+    ASSERT_TRUE(copyTo(@"location-3", contents));
+    ASSERT_TRUE([ear waitFor:kUmsResult count:run]);
+  }
+  EXPECT_TRUE(eventually([&] { return looks > 0; }));
+  over = true;
+  for (std::thread& thread : threads) thread.join();
+}
+
+TEST_F(ToAHostService, ADeviceWithoutVolumesIsRefused) {
+  [other->volumes release];
+  other->volumes = nil;
+  EXPECT_FALSE(copyTo(@"location-3", [NSArray arrayWithObject:song("a.mp3")]));
+  EXPECT_EQ([[ear named:nil] count], 0u);
+}
+
+TEST_F(ToAHostService, ThatMakesNoFoldersCountsAChannelAsFailed) {
+  NSDictionary* episode = [NSDictionary
+      dictionaryWithObjectsAndKeys:[song("a.mp3") objectForKey:@"FilePath"], @"FilePath", @"u", @"Url", nil];
+  NSDictionary* channel = [NSDictionary
+      dictionaryWithObjectsAndKeys:@"News", @"Title", [NSArray arrayWithObject:episode], @"children", nil];
+  ASSERT_TRUE([service copyContentsDeviceToDevice:31
+                                         contents:[NSArray arrayWithObject:channel]
+                                    srcLocationId:@"location-1"
+                                   destLocationId:@"location-3"
+                                        mediaType:4
+                                 destStorageIndex:0]);
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  EXPECT_EQ([other->written count], 0u);
+  EXPECT_EQ(number([[[ear named:kProgress] lastObject] userInfo], @"Fail"), 1);
+  EXPECT_EQ(number([[[ear named:kUmsResult] lastObject] userInfo], @"Status"), 0x23000001);
 }
 
 TEST_F(ToAHostService, AnExistingFileIsAskedAboutAndWrittenAgain) {

@@ -92,6 +92,24 @@ TEST_F(Files, AreAskedForMadeAndDeleted) {
   EXPECT_FALSE([service deletefileAtDevice:nil error:NULL]);
 }
 
+TEST_F(Files, WithoutAPathTellNothingOfFolders) {
+  BOOL isDirectory = 0x55;
+  EXPECT_FALSE([service fileExistsAtPath:nil isDirectory:&isDirectory]);
+  EXPECT_EQ(isDirectory, 0x55) << "left as it is";
+  EXPECT_FALSE([service fileExistsAtPath:string(internal + "/none") isDirectory:&isDirectory]);
+  EXPECT_EQ(isDirectory, NO);
+}
+
+TEST_F(Files, AreListedOnceAndForAll) {
+  sandbox.file("internal/a.xml", "<channel/>");
+  NSArray* contents = nil;
+  EXPECT_TRUE([service fileLists:0 fileName:string(internal) enumChild:YES contents:&contents]);
+  EXPECT_FALSE([contents isKindOfClass:[NSMutableArray class]]);
+  EXPECT_TRUE([service podcastXmlLists:0 fileName:string(internal) contents:&contents]);
+  EXPECT_FALSE([contents isKindOfClass:[NSMutableArray class]]);
+  EXPECT_EQ(texts(contents), std::vector<std::string>{"a.xml"});
+}
+
 TEST_F(Files, WithHiddenComponentsAreHidden) {
   EXPECT_TRUE([service isHiddenFile:@"Music/.trash/x.jpg"]);
   EXPECT_FALSE([service isHiddenFile:@"Music/x.jpg"]);

@@ -21,6 +21,8 @@
 }
 /// Those of one name, or all for nil.
 - (NSArray*)named:(NSString*)name;
+/// Lets go of what was heard so far.
+- (void)forget;
 /// Waits for a number of notifications of a name; NO after ten seconds.
 - (BOOL)waitFor:(NSString*)name count:(NSUInteger)count;
 @end

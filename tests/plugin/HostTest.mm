@@ -65,6 +65,15 @@ struct EarState {
   return found;
 }
 
+- (void)forget {
+  std::vector<NSNotification*> forgotten;
+  {
+    std::lock_guard lock(_state->mutex);
+    forgotten.swap(_state->notifications);
+  }
+  for (NSNotification* each : forgotten) [each release];
+}
+
 - (BOOL)waitFor:(NSString*)name count:(NSUInteger)count {
   EarState* state = _state;
   std::unique_lock lock(state->mutex);

@@ -1,6 +1,8 @@
 /// How services come and go: threads, pools, exceptions, releases at odd moments.
+#ifdef __linux__
 #include <dirent.h>
 #include <malloc.h>
+#endif
 
 #include <atomic>
 #include <fstream>
@@ -48,6 +50,10 @@ static std::atomic<int> mayfliesGone;
 namespace umsplugin::testing {
 namespace {
 
+// How threads and memory are counted is the system's own affair; where it is not known here, the tests that
+// need it are not built.
+#ifdef __linux__
+
 size_t threadCount() {
   size_t count = 0;
   DIR* folder = opendir("/proc/self/task");
@@ -66,6 +72,8 @@ size_t heldBytes() {
 #endif
 }
 
+#endif
+
 class Life : public HostTest {
  protected:
   NSArray* songs(int count) {
@@ -78,6 +86,8 @@ class Life : public HostTest {
   }
 };
 
+#ifdef __linux__
+
 TEST_F(Life, OfTenThousandServicesLeavesNothingBehind) {
   auto cycle = [&](NSArray* contents) {
     NSAutoreleasePool* inner = [[NSAutoreleasePool alloc] init];
@@ -87,6 +97,7 @@ TEST_F(Life, OfTenThousandServicesLeavesNothingBehind) {
     [service cancelFileAction:4];
     if (contents) [service copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:0];
     [service release];
+    [ear forget];
     [inner release];
   };
   NSArray* contents = songs(1);
@@ -96,8 +107,65 @@ TEST_F(Life, OfTenThousandServicesLeavesNothingBehind) {
   for (int i = 0; i < 10000; ++i) cycle(i % 100 ? nil : contents);
   EXPECT_TRUE(eventually([&] { return threadCount() <= threads; }));
   const size_t after = heldBytes();
-  // Notifications of the copies are kept by the ear; one leaked object for each service would be a megabyte.
-  EXPECT_LT(after, before + 400000) << "from " << before;
+  // The smallest object that could be left of each service would be 16 bytes.
+  EXPECT_LT(after, before + 80000) << "from " << before;
+}
+
+TEST_F(Life, OfWhatAServiceIsAskedForLeavesNothingBehind) {
+  UMSService* service = makeDevice();
+  NSDictionary* song = [songs(1) lastObject];
+  QDUIPodcastXMLConverter* converter = [[[bundleClass(@"QDUIPodcastXMLConverter") alloc] init] autorelease];
+  NSDictionary* channel = [NSDictionary
+      dictionaryWithObjectsAndKeys:@"News", @"Title", [NSArray arrayWithObject:song], @"children", nil];
+  const std::vector<std::pair<const char*, std::function<void()>>> kinds = {
+      {"notifier",
+       [&] {
+         OVUmsDeviceNotifier* notifier = [[bundleClass(@"OVUmsDeviceNotifier") alloc] init];
+         [notifier setMediaInfo:song];
+         [notifier setPodcastXmlData:channel];
+         [notifier sendResultEvent];
+         [notifier release];
+       }},
+      {"converter",
+       [&] {
+         // The documents themselves are the platform's.
+         [converter
+             makePodcastDictionaryFromXML:[@"<channel><Title>News</Title><Post><Url>u</Url></Post></channel>"
+                                              dataUsingEncoding:NSUTF8StringEncoding]];
+       }},
+      {"direct transfer",
+       [&] {
+         [service writeFileToDevice:song
+                    destinationPath:string(internal + "/a.mp3")
+                          diskIndex:0
+                          mediaType:1
+                        isOverWrite:YES
+                     callbackObject:[[[Mayfly alloc] init] autorelease]
+                            context:song
+                              error:NULL];
+       }},
+      {"listings",
+       [&] {
+         [service fileNameList:0 mediaType:1 diskIndex:0];
+         [service subpathsAtDisk:0 diskIndex:0 skipNoMedia:YES];
+         [[service diskInformation] objectAtIndex:0];
+       }},
+  };
+  sandbox.file("internal/Music/a.mp3", "a");
+  for (const auto& [name, use] : kinds) {
+    auto cycles = [&](int count) {
+      for (int i = 0; i < count; ++i) {
+        NSAutoreleasePool* inner = [[NSAutoreleasePool alloc] init];
+        use();
+        [ear forget];
+        [inner release];
+      }
+    };
+    cycles(300);
+    const size_t before = heldBytes();
+    cycles(1000);
+    EXPECT_LT(heldBytes(), before + 8000) << name << " from " << before;
+  }
 }
 
 TEST_F(Life, EndsInAHandlerOnTheWorker) {
@@ -114,6 +182,8 @@ TEST_F(Life, EndsInAHandlerOnTheWorker) {
   EXPECT_TRUE(exists(internal + "/Music/song0.mp3"));
   EXPECT_FALSE(exists(internal + "/Music/song1.mp3"));
 }
+
+#endif
 
 TEST_F(Life, EndsInAHandlerOfACallOfTheHost) {
   UMSService* service = takeOver(makeDevice());
@@ -178,6 +248,7 @@ TEST_F(Life, NeverWantsForAPool) {
   EXPECT_EQ(capture.linesWith("without pool"), std::vector<std::string>());
 }
 
+// The notification center of the platform may catch it, or let it through to the worker.
 TEST_F(Life, GoesOnAfterAnExceptionOfAHandler) {
   UMSService* service = makeDevice();
   std::atomic<bool> raised = false;

@@ -19,6 +19,18 @@ class Notifications : public HostTest {
       EXPECT_TRUE([[info objectForKey:key] isKindOfClass:expected]) << text(key);
     }
   }
+  /// Every number is what the platform makes of that amount in 32 bits, signed or not.
+  static void expectWidths(NSDictionary* info, bool isSigned, NSString* except = nil) {
+    NSEnumerator* keys = [info keyEnumerator];
+    while (NSString* key = [keys nextObject]) {
+      id value = [info objectForKey:key];
+      if (![value isKindOfClass:[NSNumber class]] || [key isEqualToString:except]) continue;
+      NSNumber* expected = isSigned ? [NSNumber numberWithInt:[value intValue]]
+                                    : [NSNumber numberWithUnsignedInt:[value unsignedIntValue]];
+      EXPECT_TRUE([value isEqualToNumber:expected]) << text(key);
+      EXPECT_STREQ([value objCType], [expected objCType]) << text(key);
+    }
+  }
 
   UMSService* const service = makeDevice();
 };
@@ -40,6 +52,7 @@ TEST_F(Notifications, OfARequestCarryNumbersOf32SignedBits) {
   EXPECT_EQ(keysOf(info), (std::vector<std::string>{"DestPath", "DiskSize", "ErrorNumber", "EventType",
                                                     "ServiceID", "SourcePath", "Status", "VolumeIndex"}));
   expectClasses(info, [NSArray arrayWithObjects:@"SourcePath", @"DestPath", nil]);
+  expectWidths(info, true, @"DiskSize");
   EXPECT_EQ(number(info, @"ServiceID"), -1);
   EXPECT_EQ(number(info, @"EventType"), 1);
   EXPECT_EQ(number(info, @"Status"), 0x23000001);
@@ -70,7 +83,10 @@ TEST_F(Notifications, OfACancelCarryNumbersOf32UnsignedBits) {
   EXPECT_EQ(keysOf(info), (std::vector<std::string>{"Current", "LocationId", "Max", "MediaNotiType",
                                                     "ServiceID", "TransferStatus"}));
   expectClasses(info, [NSArray arrayWithObject:@"LocationId"]);
+  expectWidths(info, false);
   EXPECT_EQ(number(info, @"ServiceID"), 0xFFFFFFFE);
+  EXPECT_EQ(number(info, @"MediaNotiType"), 2);
+  EXPECT_EQ(number(info, @"TransferStatus"), 3);
   EXPECT_EQ(number(info, @"Current"), 3);
   EXPECT_EQ(number(info, @"Max"), 4);
   EXPECT_EQ(text([info objectForKey:@"LocationId"]), "location-1");
@@ -94,6 +110,12 @@ TEST_F(Notifications, OfACopyComeInOrderWithTheirKeys) {
                                       "Max", "MaxProgress", "MediaNotiType", "ServiceID", "TransferStatus"}));
   expectClasses(progress, [NSArray arrayWithObjects:@"FileName", @"LocationId", @"MN", nil]);
   EXPECT_EQ(number(progress, @"ServiceID"), 0xFFFFFFFF);
+  expectWidths(progress, false);
+  EXPECT_EQ(number(progress, @"MediaNotiType"), 1);
+  EXPECT_EQ(number(progress, @"MaxProgress"), 100);
+  EXPECT_EQ(number(progress, @"Current"), 1);
+  EXPECT_EQ(number(progress, @"Max"), 1);
+  EXPECT_EQ(number(progress, @"Fail"), 0);
   EXPECT_EQ(number(progress, @"TransferStatus"), 2);
   EXPECT_EQ(number(progress, @"CurrentProgress"), 100);
   EXPECT_EQ(text([progress objectForKey:@"FileName"]), "söng.mp3");
@@ -103,6 +125,10 @@ TEST_F(Notifications, OfACopyComeInOrderWithTheirKeys) {
   EXPECT_EQ(keysOf(result), (std::vector<std::string>{"FilePath", "LocationId", "MN", "MediaNotiType",
                                                       "ResultStatus", "ServiceID", "VolumeIndex"}));
   expectClasses(result, [NSArray arrayWithObjects:@"FilePath", @"LocationId", @"MN", nil]);
+  expectWidths(result, false);
+  EXPECT_EQ(number(result, @"ServiceID"), 0xFFFFFFFF);
+  EXPECT_EQ(number(result, @"MediaNotiType"), 1);
+  EXPECT_EQ(number(result, @"VolumeIndex"), 0);
   EXPECT_EQ(number(result, @"ResultStatus"), 0x10000001);
   EXPECT_EQ(text([result objectForKey:@"FilePath"]), internal + "/Music/söng.mp3");
 

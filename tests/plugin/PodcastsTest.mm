@@ -1,6 +1,7 @@
 /// Podcasts: channels with episodes to the device and back, their indexes, and what changes in the host's
 /// hands.
 #include "HostTest.h"
+#include "Try.h"
 
 /// A confirm delegate that knows one other device.
 @interface OtherDevice : NSObject {
@@ -102,6 +103,16 @@ TEST_F(Podcasts, AreCopiedWithTheirIndex) {
   EXPECT_EQ(text([info objectForKey:@"Title"]), "News");
   NSArray* episodes = [info objectForKey:@"children"];
   ASSERT_EQ([episodes count], 2u);
+  for (NSDictionary* each : {info, static_cast<NSDictionary*>([episodes objectAtIndex:1])}) {
+    EXPECT_EQ([seenInLoop(each) count], [each count]);
+    EXPECT_EQ([[each allValues] count], [each count]);
+    EXPECT_EQ([[[each objectEnumerator] allObjects] count], [each count]);
+    EXPECT_EQ([[NSDictionary dictionaryWithDictionary:each] count], [each count]);
+  }
+  EXPECT_NE([NSJSONSerialization dataWithJSONObject:[NSArray arrayWithObject:[episodes objectAtIndex:0]]
+                                            options:0
+                                              error:NULL],
+            nil);
   EXPECT_EQ(text([[episodes objectAtIndex:1] objectForKey:@"FilePath"]), news + "/two.mp3");
   EXPECT_EQ(text([[episodes objectAtIndex:1] objectForKey:@"Length"]), "13");
 

@@ -154,6 +154,62 @@ TEST_F(Requests, AreCancelledWhileTheyWait) {
   EXPECT_FALSE(exists(internal + "/Music/second.mp3"));
 }
 
+TEST_F(Requests, OfOneFileAreServedAndReported) {
+  const std::string made = internal + "/made.txt";
+  struct Row {
+    unsigned int command;
+    std::string path, destination;
+    BOOL success;
+    unsigned int status;
+  };
+  const Row rows[] = {
+      {201, made, "", YES, 0},
+      {201, internal + "/no/made.txt", "", NO, 0x20000001},
+      {202, internal + "/new/folder", "", YES, 0},
+      {202, made, "", NO, 0x20000002},
+      {203, made, "", NO, 0x11000004},
+      {204, made, "", NO, 0},
+      {206, made, internal + "/moved.txt", YES, 0},
+      {206, made, internal + "/moved.txt", NO, 0x20000004},
+      {207, made, "", NO, 0},
+      {208, internal, "", YES, 0},
+      {209, internal, "", YES, 0},
+      {215, internal, "", NO, 0},
+      {300, internal, "", NO, 0},
+  };
+  for (const Row& row : rows) {
+    [ear forget];
+    _serviceinfo record = {};
+    record.serviceID = 5;
+    record.command = row.command;
+    record.filePath = string(row.path);
+    record.destPath = row.destination.empty() ? nil : string(row.destination);
+    EXPECT_EQ([service doUmsFileService:&record], row.success) << row.command;
+    ASSERT_EQ([[ear named:nil] count], 1u) << row.command;
+    NSDictionary* result = [[[ear named:kUmsResult] lastObject] userInfo];
+    EXPECT_EQ(number(result, @"Status"), row.status) << row.command;
+    EXPECT_EQ(number(result, @"ServiceID"), 5);
+    EXPECT_EQ(text([result objectForKey:@"SourcePath"]), row.path);
+    EXPECT_EQ(number(result, @"DiskSize") != 0, row.command == 208 || row.command == 209) << row.command;
+  }
+  EXPECT_TRUE(exists(internal + "/moved.txt"));
+  EXPECT_TRUE(exists(internal + "/new/folder"));
+}
+
+TEST_F(Requests, OfDeletesCopiesToTheComputerAndSyncsHaveNoResult) {
+  for (unsigned int command : {205u, 210u, 211u, 216u}) {
+    _serviceinfo record = {};
+    record.command = command;
+    record.mediaType = 1;
+    record.destPath = string(sandbox.at("back"));
+    record.contents = contentsOf(content(sandbox.file("mac/one.mp3", "x"), "one.mp3"));
+    record.isStartInternal = 1;
+    EXPECT_EQ([service doUmsFileService:&record], command != 211) << command;
+  }
+  EXPECT_EQ([[ear named:kUmsResult] count], 0u);
+  EXPECT_EQ([[ear named:kItemResult] count], 3u);
+}
+
 TEST_F(Requests, WorkTheCancelList) {
   EXPECT_FALSE([service isCancelServiceId:9]);
   [service cancelFileAction:9];

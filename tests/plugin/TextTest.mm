@@ -21,8 +21,15 @@ TEST_F(Texts, AreUtf8ForEveryCharacter) {
 
 TEST_F(Texts, OfOtherEncodingsComeBackAsTheBytesTheyWere) {
   const std::vector<std::string> names = {
-      "caf\xE9.mp3",         "\xFF\xFE",         "\xC0\xAF",     "\xED\xA0\x80", "cut \xE6\x9D",
-      "\xEE\xBE\x80 itself", "\xF5\x80\x80\x80", "\x80\xBF\xC3",
+      "caf\xE9.mp3",
+      "\xFF\xFE",
+      "\xC0\xAF",
+      "\xED\xA0\x80",
+      "cut \xE6\x9D",
+      "\xEE\xBE\x80 itself",
+      "\xEF\xB7\x98\xEF\xB7\xA9 too",
+      "\xF5\x80\x80\x80",
+      "\x80\xBF\xC3",
   };
   for (const std::string& name : names) {
     const std::string path = sandbox.file("internal/" + name, "x");
@@ -33,6 +40,17 @@ TEST_F(Texts, OfOtherEncodingsComeBackAsTheBytesTheyWere) {
     unsigned int error = 77;
     EXPECT_TRUE([service deletefileAtDevice:full error:&error]) << text(listed);
     EXPECT_FALSE(exists(path));
+  }
+}
+
+TEST_F(Texts, OfTheHostKeepEveryCharacter) {
+  for (const unichar character : {u'\xEF80', u'\xEF81', u'\xEFFF', u'\xE000', u'\xFFFD'}) {
+    const unichar units[] = {'a', character, 'b'};
+    NSString* name = [NSString stringWithCharacters:units length:3];
+    EXPECT_TRUE([[service convertAvailableFileName:name] isEqualToString:name]) << character;
+    NSString* path = [string(internal + "/") stringByAppendingString:name];
+    EXPECT_TRUE([service writeFileData:path data:[NSData data]]);
+    EXPECT_TRUE(exists(text(path))) << "under its name in UTF-8";
   }
 }
 

@@ -54,6 +54,13 @@
   [NSException raise:@"TestException" format:@"%@ %u %u", context, maxTransferSize, currentTransferSize];
   return YES;
 }
+- (BOOL)transferProgressInfoEx:(id)context
+               maxTransferSize:(unsigned long long)maxTransferSize
+           currentTransferSize:(unsigned long long)currentTransferSize {
+  [NSException raise:@"FullSizesException"
+              format:@"%@ %llu %llu", context, maxTransferSize, currentTransferSize];
+  return YES;
+}
 @end
 
 namespace umsplugin::testing {
@@ -207,6 +214,17 @@ TEST_F(Transfers, LetAnExceptionOfTheCallbackThrough) {
                          error:&error];
   });
   EXPECT_EQ(text(name), "TestException");
+  name = exceptionIn([&] {
+    [service syncWriteFileToDevice:source()
+                     subFolderName:nil
+                         diskIndex:1
+                         mediaType:1
+                       isOverWrite:NO
+                    callbackObject:raising
+                           context:nil
+                             error:&error];
+  });
+  EXPECT_EQ(text(name), "FullSizesException");
   EXPECT_TRUE(write(source(), destination, YES)) << "the service goes on as before";
 }
 

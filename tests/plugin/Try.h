@@ -1,4 +1,5 @@
-/// Exceptions of the platform, for tests in a language that cannot catch them by class on every system.
+/// What Objective-C has and the language of the tests has not on every system: exceptions that are caught by
+/// class, and loops over a collection.
 #pragma once
 
 #import <Foundation/Foundation.h>
@@ -9,6 +10,8 @@ extern "C" {
 
 /// Runs `body` and gives the name of the exception that left it, or nil.
 NSString* nameOfExceptionIn(void (*body)(void*), void* context);
+/// What a `for (... in collection)` comes past.
+NSArray* seenInLoop(id collection);
 
 #ifdef __cplusplus
 }

@@ -8,3 +8,9 @@ NSString* nameOfExceptionIn(void (*body)(void*), void* context) {
   }
   return nil;
 }
+
+NSArray* seenInLoop(id collection) {
+  NSMutableArray* seen = [NSMutableArray array];
+  for (id each in collection) [seen addObject:each];
+  return seen;
+}

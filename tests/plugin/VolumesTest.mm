@@ -1,4 +1,6 @@
 /// The volume list as a host sees it: the live list, its elements, and the lookups.
+#include <thread>
+
 #include "HostTest.h"
 #include "Try.h"
 
@@ -56,6 +58,49 @@ TEST_F(Volumes, TakeWhatTheHostDoesToTheListItself) {
   EXPECT_EQ(text(exceptionIn([&] { [list insertObject:byHand atIndex:1]; })), text(NSRangeException));
 }
 
+TEST_F(Volumes, AreWalkedLikeOtherCollections) {
+  [service addDiskInformation:disk(1, internal)];
+  [service addDiskInformation:disk(2, card)];
+  NSMutableArray* list = [service diskInformation];
+  ASSERT_EQ([seenInLoop(list) count], 2u);
+  NSDictionary* volume = [seenInLoop(list) objectAtIndex:1];
+  EXPECT_EQ(volume, [list objectAtIndex:1]);
+  EXPECT_EQ([seenInLoop(volume) count], 3u);
+  EXPECT_EQ([[volume allValues] count], 3u);
+  EXPECT_EQ([[[volume objectEnumerator] allObjects] count], 3u);
+  EXPECT_NE([NSJSONSerialization dataWithJSONObject:list options:0 error:NULL], nil);
+  NSSortDescriptor* byIndex = [[[NSSortDescriptor alloc] initWithKey:@"diskIndex" ascending:NO] autorelease];
+  [list sortUsingDescriptors:[NSArray arrayWithObject:byIndex]];
+  EXPECT_EQ(text([[list objectAtIndex:0] objectForKey:@"volumePath"]), card);
+  [list filterUsingPredicate:[NSPredicate predicateWithFormat:@"diskType == 1"]];
+  ASSERT_EQ([list count], 1u);
+  EXPECT_EQ(text([service volumePath:0]), internal);
+  [list removeAllObjects];
+  EXPECT_EQ([service diskInfoFromIndex:0], nil);
+  EXPECT_EQ(text(exceptionIn([&] { [list removeLastObject]; })), text(NSRangeException));
+}
+
+TEST_F(Volumes, AreNotLostWhileTheHostChangesTheListItself) {
+  constexpr int kEach = 300;
+  NSMutableArray* list = [service diskInformation];
+  NSDictionary* byHand = disk(1, internal);
+  std::thread host([&] {
+    NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
+    for (int i = 0; i < kEach; ++i) {
+      [list addObject:byHand];
+      [list insertObject:byHand atIndex:0];
+      [list replaceObjectAtIndex:0 withObject:byHand];
+    }
+    [pool release];
+  });
+  for (int i = 0; i < kEach; ++i) [service addDiskInformation:disk(2, card)];
+  host.join();
+  size_t added = 0;
+  for (NSUInteger i = 0; i < [list count]; ++i) added += number([list objectAtIndex:i], @"diskType") == 2;
+  EXPECT_EQ([list count], 3u * kEach);
+  EXPECT_GE(added, 1u);
+}
+
 TEST_F(Volumes, CopyLikeOtherCollections) {
   [service addDiskInformation:disk(1, internal)];
   NSArray* copy = [[[service diskInformation] copy] autorelease];
@@ -86,12 +131,14 @@ TEST_F(Volumes, KeepWhatTheHostPutIntoTheirDictionaries) {
   [given setObject:date forKey:@"mounted"];
   [given setObject:[NSNumber numberWithBool:YES] forKey:@"writable"];
   [given setObject:[NSArray arrayWithObject:@"a"] forKey:@"names"];
+  [given setObject:@"seven" forKey:[NSNumber numberWithInt:7]];
   [service addDiskInformation:given];
   NSDictionary* held = [service diskInfoFromIndex:0];
   EXPECT_EQ([held objectForKey:@"mounted"], date);
   EXPECT_EQ([held objectForKey:@"names"], [given objectForKey:@"names"]);
   EXPECT_TRUE([[held objectForKey:@"writable"] isEqual:[NSNumber numberWithBool:YES]]);
-  EXPECT_EQ([given count], 5u) << "the host's own dictionary is not touched";
+  EXPECT_EQ(text([held objectForKey:[NSNumber numberWithInt:7]]), "seven") << "keys that are no texts too";
+  EXPECT_EQ([given count], 6u) << "the host's own dictionary is not touched";
 }
 
 TEST_F(Volumes, AnswerTheLookupsByIndexAndOption) {
@@ -110,6 +157,8 @@ TEST_F(Volumes, AnswerTheLookupsByIndexAndOption) {
                                                                  @"/m", @"DefaultMusicPath", nil]];
   EXPECT_EQ([service diskInfoFromDiskInfoList:others index:4], [others objectAtIndex:0]);
   EXPECT_EQ([service diskInfoFromDiskInfoList:nil index:4], nil);
+  NSArray* own = [NSArray arrayWithArray:[service diskInformation]];
+  EXPECT_EQ([service diskInfoFromDiskInfoList:own index:1], [own objectAtIndex:1]);
   EXPECT_EQ(text([service defaultMediaContentsPath:others index:4 mediaType:1]), "/m");
 }
 

@@ -19,6 +19,60 @@ TEST_F(NotifierPosting, ProgressCarriesUnsigned32BitNumbersTheSourceAndTheFile) 
                    "MediaNotiType: u32 3", "ServiceID: u32 7", "TransferStatus: u32 2"}));
 }
 
+/// An object of a host's that counts who holds it.
+class HostsObject final : public SynchronizedObject {
+ public:
+  void lock() override { ++depth; }
+  void unlock() override { --depth; }
+  std::string description() const override { return {}; }
+  int depth = 0;
+};
+
+TEST_F(NotifierPosting, IsAStepOfTheObjectThatTheHostKnowsTheNotifierBy) {
+  auto object = std::make_shared<HostsObject>();
+  OVUmsDeviceNotifier notifier(surroundings.environment, object);
+  int depth = 0;
+  notifications.onEach([&](const Notification&) { depth = object->depth; });
+  notifier.sendTransferEvent(100, 0);
+  EXPECT_EQ(depth, 1);
+  EXPECT_EQ(object->depth, 0);
+  EXPECT_EQ(&notifier.synchronizedSection(), object.get());
+}
+
+/// Makes notifiers as a host's objects would.
+class HostsFactory final : public NotifierFactory {
+ public:
+  explicit HostsFactory(const Environment& environment) : environment_(environment) {}
+  std::shared_ptr<OVUmsDeviceNotifier> make(const MaybeString& srcLocationID,
+                                            const MaybeString& destLocationID, uint32_t serviceID,
+                                            uint32_t mediaType, const MaybeString& deviceName,
+                                            uint32_t storageIndex, uint32_t maxTransferFileCount,
+                                            uint64_t maxTransferSize) override {
+    last = std::make_shared<OVUmsDeviceNotifier>(environment_, srcLocationID, destLocationID, serviceID,
+                                                 mediaType, deviceName, storageIndex, maxTransferFileCount,
+                                                 maxTransferSize);
+    return last;
+  }
+  std::shared_ptr<OVUmsDeviceNotifier> last;
+
+ private:
+  const Environment environment_;
+};
+
+TEST_F(NotifierPosting, OfARunIsTheHostsBusinessWhereItHasAFactory) {
+  auto make = [this] {
+    return OVUmsDeviceNotifier::forRun(surroundings.environment, "source", "destination", 7, 1, "Pocket One",
+                                       2, 3, 4);
+  };
+  EXPECT_EQ(make()->maxTransferSize(), 4u);
+  auto factory = std::make_shared<HostsFactory>(surroundings.environment);
+  surroundings.environment.notifierFactory = factory;
+  auto notifier = make();
+  EXPECT_EQ(notifier, factory->last);
+  EXPECT_EQ(notifier->destLocationID(), "destination");
+  EXPECT_EQ(notifier->storageIndex(), 2u);
+}
+
 TEST_F(NotifierPosting, ProgressLeavesOutWhatTheNotifierDoesNotKnow) {
   OVUmsDeviceNotifier notifier(surroundings.environment);
   notifier.sendTransferEvent(100, 0);

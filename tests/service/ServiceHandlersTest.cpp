@@ -105,8 +105,10 @@ TEST_F(ServiceHandlers, ThatThrowEndTheirRequestAndNotTheWorker) {
   });
   ASSERT_TRUE(queueShort(1, "1.mp3"));
   ASSERT_TRUE(queueShort(2, "2.mp3"));
-  ASSERT_TRUE(notifications.waitFor(kUmsResultNotification));
-  EXPECT_EQ(finished(), (std::vector<uint32_t>{2}));
+  ASSERT_TRUE(notifications.waitFor(kUmsResultNotification, 2));
+  EXPECT_EQ(finished(), (std::vector<uint32_t>{1, 2})) << "told once of the end, thrown or not";
+  EXPECT_EQ(notifications.named(kUmsResultNotification).front().userInfo.get(key::kStatus).intValue(),
+            0x23000001);
   EXPECT_TRUE(exists(onDevice("2.mp3")));
   EXPECT_TRUE(log.has("Request is stopped by an exception. Reason :no more"));
   std::thread([this] { std::lock_guard section(service->synchronizedSection()); }).join();

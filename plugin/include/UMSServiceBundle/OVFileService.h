@@ -130,7 +130,7 @@
 - (NSString*)copyContentToPlay:(unsigned int)serviceID
                      diskIndex:(unsigned int)diskIndex
                      mediaType:(unsigned int)mediaType
-               fileInformation:(NSDictionary*)fileInformation;
+               fileInformation:(NSDictionary*)fileInformation NS_RETURNS_NOT_RETAINED;
 /// `returnNode` is never written.
 - (BOOL)isExistContentFromMac:(unsigned int)serviceID
                     diskIndex:(unsigned int)diskIndex

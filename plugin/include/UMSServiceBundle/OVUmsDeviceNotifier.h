@@ -3,9 +3,9 @@
 ///
 /// Each run of a service makes its own; a host may make and feed one as well. Safe from any thread: counting
 /// and the notification that comes of it are one step. Handlers run inside that step, on the thread that
-/// caused it, and may call the notifier again.
-/// A notifier that a service passes as the context of a direct transfer is good for the length of that call;
-/// a host that keeps it longer holds one that answers 0 and nil and posts nothing.
+/// caused it, and may call the notifier again. `@synchronized(notifier)` keeps every step out.
+/// The context that a service passes along with a write from device to device is its run's notifier: one
+/// object for the whole run, and good for as long as a host keeps it.
 #pragma once
 
 #import <Foundation/Foundation.h>

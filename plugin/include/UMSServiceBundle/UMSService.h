@@ -5,8 +5,10 @@
 /// worker thread. Every method may be called from any thread, and from inside a notification handler, the
 /// last `release` included. Releasing a service stops what is running within 4096 copied bytes and waits for
 /// its worker, unless the worker itself releases it. Texts are UTF-8 on the device's side. A file name whose
-/// bytes are no UTF-8 arrives with each odd byte as a character U+EF80 to U+EFFF and finds its file again
-/// when the host hands it back.
+/// bytes are no UTF-8 arrives with each odd byte as a pair of characters of U+FDD8 to U+FDEF, which no other
+/// text holds, and finds its file again when the host hands it back.
+/// A service is what its long operations synchronize on: `@synchronized(service)` keeps them from running.
+/// The last release waits for the worker, so it has its place outside of such a section.
 #pragma once
 
 #import <Foundation/Foundation.h>

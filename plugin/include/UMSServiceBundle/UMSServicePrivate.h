@@ -82,12 +82,7 @@
                  diskType:(int)diskType
                 mediaType:(int)mediaType;
 
-@end
-
-/// The steps of the podcast operations.
-@interface UMSService (UMSServicePrivatePodcasts)
-
-// Index files: NAME.xml in a channel's folder.
+// Podcast index files: NAME.xml in a channel's folder.
 
 /// The channel as its index file has it, with paths relative to the channel's folder; nil without one.
 - (NSMutableDictionary*)checkXmlData:(NSString*)channelFolder channelName:(NSString*)channelName;

@@ -16,8 +16,9 @@
 namespace umsservice {
 
 struct UMSService::Rooms {
-  Rooms(const Environment& environment, std::string description, const MaybeString& locationID)
-      : context(environment, std::move(description), locationID) {}
+  Rooms(const Environment& environment, std::string description, const MaybeString& locationID,
+        std::shared_ptr<SynchronizedObject> object)
+      : context(environment, std::move(description), locationID, std::move(object)) {}
 
   ServiceContext context;
   ServiceReports reports{context};

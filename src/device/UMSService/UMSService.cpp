@@ -34,15 +34,16 @@ void waitForTransfer(const ServiceContext& context) {
 
 // -------------------------------------------------------------------- core: life and identity
 
-UMSService::UMSService(const Environment& environment)
-    : rooms_(std::make_shared<Rooms>(environment, describedAs(this), std::nullopt)) {
+UMSService::UMSService(const Environment& environment, std::shared_ptr<SynchronizedObject> object)
+    : rooms_(std::make_shared<Rooms>(environment, describedAs(this), std::nullopt, std::move(object))) {
   rooms_->context.log.write(6, "-[UMSService init]", "ENTER");
   startWorker();
   rooms_->context.log.write(6, "-[UMSService init]", "EXIT");
 }
 
-UMSService::UMSService(const Environment& environment, const MaybeString& locationID)
-    : rooms_(std::make_shared<Rooms>(environment, describedAs(this), locationID)) {
+UMSService::UMSService(const Environment& environment, const MaybeString& locationID,
+                       std::shared_ptr<SynchronizedObject> object)
+    : rooms_(std::make_shared<Rooms>(environment, describedAs(this), locationID, std::move(object))) {
   startWorker();
 }
 
@@ -52,8 +53,7 @@ void UMSService::startWorker() {
 
 void UMSService::serveQueue(const std::shared_ptr<Rooms>& rooms) {
   RequestInHand inHand;
-  rooms->queue.umsFileServiceQueueThread(
-      [&](_serviceinfo& request) { rooms->dispatcher.doUmsFileService(&request); });
+  rooms->queue.umsFileServiceQueueThread([&](_serviceinfo& request) { rooms->dispatcher.serve(request); });
 }
 
 UMSService::~UMSService() {
@@ -118,8 +118,8 @@ void UMSService::setFileTransferStatus(int32_t status) {
   rooms()->context.fileTransferStatus = status;
 }
 
-std::recursive_mutex& UMSService::synchronizedSection() {
-  return rooms()->context.synchronizedSection;
+SynchronizedObject& UMSService::synchronizedSection() {
+  return rooms()->context.synchronizedSection();
 }
 
 // -------------------------------------------------------------------- core: volumes and folders

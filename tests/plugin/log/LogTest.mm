@@ -6,6 +6,19 @@
 #include "HostTest.h"
 #include "StderrCapture.h"
 
+/// A list that says how long it is, and no more.
+@interface RaisingList : NSArray
+@end
+@implementation RaisingList
+- (NSUInteger)count {
+  return 1;
+}
+- (id)objectAtIndex:(NSUInteger)index {
+  [NSException raise:@"ListException" format:@"no element %u", static_cast<unsigned int>(index)];
+  return nil;
+}
+@end
+
 namespace umsplugin::testing {
 namespace {
 
@@ -55,6 +68,50 @@ TEST_F(DiagnosticLog, FollowsTheListFromOneStatementToTheNext) {
   EXPECT_EQ(linesOfTwoRefusals(), 0u);
   std::filesystem::remove(list);
   EXPECT_EQ(linesOfTwoRefusals(), 0u);
+}
+
+TEST_F(DiagnosticLog, NeverFailsForAListThatThePlatformChokesOn) {
+  const std::string lists[] = {
+      "bplist00" + std::string(36, '\xFF'),
+      "<?xml version=\"1.0\"?><plist><dict><key>DEBUG_LEVEL</key><date>no date</date></dict></plist>",
+      "<?xml version=\"1.0\"?><plist><dict><key>DEBUG_LEVEL</key><data>AA==</data></dict></plist>",
+      "bplist00",
+      "<?xml version=\"1.0\"?><plist><dict><key>DEBUG_LEVEL</key><array/></dict></plist>",
+      "<?xml version=\"1.0\"?><plist><array/></plist>",
+  };
+  UMSService* device = makeDevice();
+  NSArray* contents = [NSArray arrayWithObject:content(sandbox.file("mac/a.mp3", "a"), "a.mp3")];
+  for (const std::string& bytes : lists) {
+    NSData* data = [NSData dataWithBytes:bytes.data() length:bytes.size()];
+    ASSERT_TRUE([data writeToFile:string(list) atomically:YES]);
+    EXPECT_EQ(linesOfTwoRefusals(), 0u) << bytes;
+    [ear forget];
+    ASSERT_TRUE([device copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:0]);
+    ASSERT_TRUE([ear waitFor:kUmsResult count:1]) << "a worker that logs all the while: " << bytes;
+  }
+}
+
+TEST_F(DiagnosticLog, GivesTheReasonOfAnExceptionOfTheHost) {
+  setLevel([NSNumber numberWithInt:1]);
+  RaisingList* raising = [[[RaisingList alloc] init] autorelease];
+  UMSService* device = makeDevice();
+  StderrCapture capture;
+  ASSERT_TRUE([device copyContentsMacToDevice:1 contents:raising mediaType:1 storageIndex:0]);
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  EXPECT_EQ(
+      capture.linesWith("Request is stopped by an exception. Reason :no element 0 (ListException)").size(),
+      1u)
+      << capture.text();
+}
+
+TEST_F(DiagnosticLog, ShowsTheServiceAsTheHostKnowsIt) {
+  setLevel([NSNumber numberWithInt:6]);
+  StderrCapture capture;
+  _serviceinfo record = {};
+  record.command = 207;
+  [service doUmsFileService:&record];
+  const std::string shown = "UMSService = " + text([service description]) + ", FS_COMMAND_OV_GET_LIST";
+  EXPECT_EQ(capture.linesWith(shown).size(), 1u) << capture.text();
 }
 
 TEST_F(DiagnosticLog, WritesFileMethodLineAndMessage) {

@@ -1,11 +1,13 @@
 /// A host that brings its own classes along: device profiles and a tag reader.
 #include "HostTest.h"
+#include "Try.h"
 #import "UMSServiceBundle/HostClasses.h"
 
 /// Answers with a folder for music and images; knows nothing of the others.
 @interface ProfileInfo : NSObject
 @end
 
+static BOOL raises;
 static NSString* lastProfileLocation;
 static NSString* musicFolder = @"/Tunes";
 
@@ -20,6 +22,7 @@ static NSString* musicFolder = @"/Tunes";
   return musicFolder;
 }
 - (NSString*)contentsMusicDefaultFolderExternal:(NSString*)locationID {
+  if (raises) [NSException raise:@"ProfileException" format:@"no profile"];
   return [NSString stringWithFormat:@"/%@/CardTunes", locationID];
 }
 - (NSString*)contentsImageDefaultFolderInternal:(NSString*)locationID {
@@ -41,6 +44,7 @@ static NSMutableDictionary* lastTags;
   return [[path lastPathComponent] isEqualToString:@"strange.mp3"] ? nil : [[[self alloc] init] autorelease];
 }
 - (NSMutableDictionary*)build:(NSString*)path {
+  if (raises) [NSException raise:@"TagException" format:@"no tags"];
   if ([[path lastPathComponent] isEqualToString:@"plain.mp3"]) return nil;
   NSMutableDictionary* tags = [NSMutableDictionary dictionary];
   [tags setObject:path forKey:@"FilePath"];
@@ -48,6 +52,7 @@ static NSMutableDictionary* lastTags;
   [tags setObject:[NSNumber numberWithUnsignedLongLong:10000000000ull] forKey:@"FileSize"];
   [tags setObject:[NSData dataWithBytes:"picture" length:7] forKey:@"AlbumArt"];
   [tags setObject:@"A Title" forKey:@"Title"];
+  [tags setObject:@"seven" forKey:[NSNumber numberWithInt:7]];
   [tags setObject:[NSDate dateWithTimeIntervalSince1970:5] forKey:@"Recorded"];
   [lastTags release];
   lastTags = [tags retain];
@@ -110,6 +115,7 @@ TEST_F(HostClasses, ReadTagsForListings) {
   EXPECT_EQ(number(file, @"diskIndex"), 0);
   EXPECT_EQ(number(file, @"FileSize"), 10000000000);
   EXPECT_TRUE([[file objectForKey:@"Recorded"] isEqual:[NSDate dateWithTimeIntervalSince1970:5]]);
+  EXPECT_EQ(text([file objectForKey:[NSNumber numberWithInt:7]]), "seven") << "whatever the key";
   EXPECT_NE([lastTags objectForKey:@"AlbumArt"], nil) << "the reader's own dictionary was copied";
 }
 
@@ -139,6 +145,26 @@ TEST_F(HostClasses, DescribeAFileThatWasPlaced) {
   EXPECT_EQ(placed, lastTags);
 }
 
+TEST_F(HostClasses, ThatRaiseEndTheRequestThatAskedThem) {
+  NSArray* contents = [NSArray arrayWithObject:content(sandbox.file("mac/a.mp3", "a"), "a.mp3")];
+  raises = YES;
+  EXPECT_EQ(text(exceptionIn([&] { [service defaultMediaContentsPath:@"/V" diskType:2 mediaType:1]; })),
+            "ProfileException");
+  ASSERT_TRUE([service copyContentsDeviceToMac:1
+                                      contents:contents
+                               destinationPath:string(sandbox.at("back"))
+                                     mediaType:1
+                                  playlistName:nil]);
+  ASSERT_TRUE(eventually([&] {
+    NSDictionary* last = [[[ear named:kProgress] lastObject] userInfo];
+    return [[last objectForKey:@"TransferStatus"] intValue] == 3;
+  }));
+  raises = NO;
+  ASSERT_TRUE([service copyContentsMacToDevice:2 contents:contents mediaType:1 storageIndex:0]);
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  EXPECT_EQ(number([[[ear named:kUmsResult] lastObject] userInfo], @"Status"), 0);
+}
+
 TEST_F(HostClasses, LeadTheResultsOfCopies) {
   NSArray* contents = [NSArray arrayWithObject:content(sandbox.file("mac/a.mp3", "a"), "a.mp3")];
   ASSERT_TRUE([service copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:0]);
@@ -146,6 +172,7 @@ TEST_F(HostClasses, LeadTheResultsOfCopies) {
   NSDictionary* result = [[[ear named:kItemResult] lastObject] userInfo];
   EXPECT_EQ(text([result objectForKey:@"Title"]), "A Title");
   EXPECT_TRUE([[result objectForKey:@"AlbumArt"] isKindOfClass:[NSData class]]);
+  EXPECT_EQ(text([result objectForKey:[NSNumber numberWithInt:7]]), "seven");
   EXPECT_EQ(text([result objectForKey:@"FilePath"]), internal + "/location-1/CardTunes/a.mp3")
       << "a copy asks by the volume's index, and only 1 stands for internal memory there";
   EXPECT_EQ(number(result, @"FileSize"), 10000000000);

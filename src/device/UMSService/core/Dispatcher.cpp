@@ -1,8 +1,11 @@
 #include "Dispatcher.h"
 
 #include <cerrno>
+#include <mutex>
 
+#include "RequestGuard.h"
 #include "umsservice/ErrorNumbers.h"
+#include "umsservice/Notifications.h"
 
 namespace umsservice {
 namespace {
@@ -39,6 +42,12 @@ bool hasResultNotification(uint32_t command) {
          command != kCommandSyncContents;
 }
 
+/// These keep other uses of the service out, and tell of themselves in progress notifications.
+bool isLong(uint32_t command) {
+  return command == kCommandDeleteFile || command == kCommandCopyFile || command == kCommandCopyToDevice ||
+         command == kCommandSyncContents || command == kCommandDeviceToDevice;
+}
+
 FileError missingPath() {
   return FileError{EINVAL, FileError::Action::Writing, std::string()};
 }
@@ -54,11 +63,38 @@ bool Dispatcher::doUmsFileService(const _serviceinfo* serviceInfo) {
   if (!serviceInfo) return false;
   trace(serviceInfo->command);
   Outcome outcome = perform(*serviceInfo);
-  if (hasResultNotification(serviceInfo->command)) {
-    uint32_t code = !outcome.success && outcome.platformError ? outcome.platformError->code() : 0;
-    reports_.sendResultEvent(*serviceInfo, kResultEvent, outcome.errorNumber, code, outcome.diskSpace, 0);
-  }
+  report(*serviceInfo, outcome);
   return outcome.success;
+}
+
+void Dispatcher::serve(const _serviceinfo& serviceInfo) {
+  trace(serviceInfo.command);
+  Outcome outcome;
+  if (runsToItsEnd(context_, [&] { outcome = perform(serviceInfo); })) {
+    report(serviceInfo, outcome);
+  } else {
+    reportStopped(serviceInfo);
+  }
+}
+
+void Dispatcher::report(const _serviceinfo& serviceInfo, const Outcome& outcome) {
+  if (!hasResultNotification(serviceInfo.command)) return;
+  uint32_t code = !outcome.success && outcome.platformError ? outcome.platformError->code() : 0;
+  reports_.sendResultEvent(serviceInfo, kResultEvent, outcome.errorNumber, code, outcome.diskSpace, 0);
+}
+
+/// Whoever queued the request waits for its end. Of a long one that is first a progress with an end in it:
+/// the run that would have posted it is gone, so it is told as a cancelled one. For deletes, copies to the
+/// computer and syncs this is the only end that a host knows, as they never have a result. A result, for the
+/// others, says that the operation failed. Each is posted once: a handler that throws again is let be.
+void Dispatcher::reportStopped(const _serviceinfo& serviceInfo) {
+  if (isLong(serviceInfo.command)) {
+    runsToItsEnd(context_, [&] {
+      reports_.sendCancelProgressEvent(serviceInfo.serviceID, serviceInfo.srcLocationID,
+                                       serviceInfo.mediaType, 0, 0, kTransferCancelled);
+    });
+  }
+  runsToItsEnd(context_, [&] { report(serviceInfo, {.errorNumber = kErrorOperationFailed}); });
 }
 
 void Dispatcher::trace(uint32_t command) const {
@@ -81,14 +117,8 @@ Dispatcher::Outcome Dispatcher::perform(const _serviceinfo& serviceInfo) {
       return diskSpace(serviceInfo, &VolumeSpace::total);
     case kCommandFreeSpace:
       return diskSpace(serviceInfo, &VolumeSpace::free);
-    case kCommandDeleteFile:
-    case kCommandCopyFile:
-    case kCommandCopyToDevice:
-    case kCommandSyncContents:
-    case kCommandDeviceToDevice:
-      return runLongOperation(serviceInfo);
     default:
-      return {};
+      return isLong(serviceInfo.command) ? runLongOperation(serviceInfo) : Outcome{};
   }
 }
 
@@ -130,7 +160,7 @@ Dispatcher::Outcome Dispatcher::diskSpace(const _serviceinfo& serviceInfo, uint6
 }
 
 Dispatcher::Outcome Dispatcher::runLongOperation(const _serviceinfo& serviceInfo) {
-  std::lock_guard<std::recursive_mutex> section(context_.synchronizedSection);
+  std::lock_guard<SynchronizedObject> section(context_.synchronizedSection());
   if (chosenOperation(serviceInfo)) return {.success = true};
   return {.errorNumber = kErrorOperationFailed};
 }

@@ -18,6 +18,9 @@ class Dispatcher {
   /// True when the command succeeded; false for a null request and for commands without an action. The
   /// request stays the caller's.
   bool doUmsFileService(const _serviceinfo* serviceInfo);
+  /// The same for the worker, where nobody is there to catch: a request that an exception stops is logged,
+  /// and the host hears of its end. An exception out of the result's own handlers is left to the caller.
+  void serve(const _serviceinfo& serviceInfo);
 
  private:
   struct Outcome {
@@ -29,6 +32,8 @@ class Dispatcher {
 
   void trace(uint32_t command) const;
   Outcome perform(const _serviceinfo& serviceInfo);
+  void report(const _serviceinfo& serviceInfo, const Outcome& outcome);
+  void reportStopped(const _serviceinfo& serviceInfo);
   Outcome createFile(const _serviceinfo& serviceInfo);
   Outcome createFolder(const _serviceinfo& serviceInfo);
   Outcome readFile() const;

@@ -3,6 +3,7 @@
 #include <exception>
 #include <thread>
 
+#include "RequestGuard.h"
 #include "umsservice/Notifications.h"
 
 namespace umsservice {
@@ -93,20 +94,9 @@ void RequestQueue::umsFileServiceQueueThread(const std::function<void(_servicein
       std::this_thread::yield();  // another thread held the queue for a moment
       continue;
     }
-    runGuarded(run, *request);
+    runsToItsEnd(context_, [&] { run(*request); });
   }
   context_.log.write(6, kWorkerMethod, "umsFileServiceQueueThread Exit!");
-}
-
-void RequestQueue::runGuarded(const std::function<void(_serviceinfo&)>& run, _serviceinfo& request) {
-  try {
-    run(request);
-  } catch (const std::exception& exception) {
-    // A host's handler may throw; its request ends here, the worker and the requests behind it go on.
-    context_.log.write(1, kWorkerMethod, "Request is stopped by an exception. Reason :%@", exception.what());
-  } catch (...) {
-    context_.log.write(1, kWorkerMethod, "Request is stopped by an exception. Reason :%@", nullptr);
-  }
 }
 
 bool RequestQueue::takeMatching(uint32_t serviceID, std::vector<Record>& removed) {

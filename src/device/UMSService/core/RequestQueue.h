@@ -59,7 +59,6 @@ class RequestQueue {
   Record takeFront();
   uint64_t signalsSoFar();
   void waitForSignalAfter(uint64_t seen);
-  void runGuarded(const std::function<void(_serviceinfo&)>& run, _serviceinfo& request);
 
   ServiceContext& context_;
   RequestReports& reports_;

@@ -5,7 +5,6 @@
 #pragma once
 
 #include <atomic>
-#include <mutex>
 
 #include "CancelList.h"
 #include "DefaultFolders.h"
@@ -13,18 +12,23 @@
 #include "Log.h"
 #include "VolumeRegistry.h"
 #include "VolumeSpaces.h"
+#include "umsservice/SynchronizedObject.h"
 
 namespace umsservice {
 
 struct ServiceContext {
-  ServiceContext(Environment surroundings, std::string describedAs, MaybeString locationID)
+  /// Without an object of the host's, `describedAs` is what log lines show.
+  ServiceContext(Environment surroundings, std::string describedAs, MaybeString locationID,
+                 std::shared_ptr<SynchronizedObject> hostObject = nullptr)
       : environment(std::move(surroundings)),
-        description(std::move(describedAs)),
+        object(hostObject ? std::move(hostObject) : makeSynchronizedObject()),
+        description(object->description().empty() ? std::move(describedAs) : object->description()),
         identity(std::move(locationID)) {}
 
   // Constant after construction.
   const Environment environment;
-  const std::string description;  ///< the service as log lines show it
+  const std::shared_ptr<SynchronizedObject> object;  ///< what the host knows the service by
+  const std::string description;                     ///< the service as log lines show it
   const Log log{environment};
 
   // Own their synchronisation.
@@ -35,8 +39,9 @@ struct ServiceContext {
   VolumeSpaces spaces{environment, log, volumes};
   std::atomic<uint8_t> releaseState{0};  ///< 1 once the service is released or its device gone; never back
   std::atomic<int32_t> fileTransferStatus{0};  ///< 2 while the host marks a transfer; release waits for it
-  std::recursive_mutex synchronizedSection;  ///< held by each long operation, and by hosts that exclude them
 
+  /// Held by each long operation, and by hosts that exclude them.
+  SynchronizedObject& synchronizedSection() const { return *object; }
   FileSystem& files() const { return *environment.fileSystem; }
   bool isReleased() const { return releaseState.load(std::memory_order_acquire) == 1; }
 };

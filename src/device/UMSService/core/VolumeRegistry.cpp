@@ -1,5 +1,7 @@
 #include "VolumeRegistry.h"
 
+#include <algorithm>
+
 #include "umsservice/Notifications.h"
 
 namespace umsservice {
@@ -19,6 +21,15 @@ void appendNumbered(std::vector<Value>& rebuilt, const std::vector<Value>& volum
   }
 }
 
+/// Whether two lists hold the same dictionaries, and nothing else has come in between.
+bool holdsTheSame(const std::vector<Value>& left, const std::vector<Value>& right) {
+  return std::equal(left.begin(), left.end(), right.begin(), right.end(), [](const Value& a, const Value& b) {
+    auto first = a.dictionary();
+    auto second = b.dictionary();
+    return first && second ? first->isSame(*second) : a.kind() == b.kind();
+  });
+}
+
 template <typename Matches>
 MaybeDictionary firstVolume(const Array& list, Matches matches) {
   for (const Value& element : list.snapshot()) {
@@ -33,12 +44,21 @@ MaybeDictionary firstVolume(const Array& list, Matches matches) {
 void VolumeRegistry::addDiskInformation(const MaybeDictionary& diskInformation) {
   if (!diskInformation) return;
   MutexLock lock(rebuild_);
-  std::vector<Value> volumes = volumes_.snapshot();
-  volumes.emplace_back(*diskInformation);
-  std::vector<Value> rebuilt;
-  appendNumbered(rebuilt, volumes, true);
-  appendNumbered(rebuilt, volumes, false);
-  volumes_.assign(std::move(rebuilt));
+  // Reading the dictionaries may run a host's code, so the list is free meanwhile; a host that changes it by
+  // hand just then is heard, and the list is rebuilt from what it made of it.
+  for (bool done = false; !done;) {
+    const std::vector<Value> before = volumes_.snapshot();
+    std::vector<Value> volumes = before;
+    volumes.emplace_back(*diskInformation);
+    std::vector<Value> rebuilt;
+    appendNumbered(rebuilt, volumes, true);
+    appendNumbered(rebuilt, volumes, false);
+    done = volumes_.edit([&](std::vector<Value>& present) {
+      if (!holdsTheSame(present, before)) return false;
+      present.swap(rebuilt);
+      return true;
+    });
+  }
 }
 
 void VolumeRegistry::removeDiskInformation(const MaybeDictionary& diskInformation) {

@@ -31,9 +31,11 @@ MediaRun::MediaRun(MediaTools& tools, const _serviceinfo& request, const char* m
       request_(request),
       method_(method),
       contents_(request.contents ? request.contents->snapshot() : std::vector<Value>()),
-      notifier_(context_.environment, srcLocationID, destLocationID, request.serviceID, request.mediaType,
-                deviceName, request.storageIndex, static_cast<uint32_t>(contents_.size()),
-                tools.files.totalMediaContentsSize(request.contents)) {
+      ownNotifier_(OVUmsDeviceNotifier::forRun(context_.environment, srcLocationID, destLocationID,
+                                               request.serviceID, request.mediaType, deviceName,
+                                               request.storageIndex, static_cast<uint32_t>(contents_.size()),
+                                               tools.files.totalMediaContentsSize(request.contents))),
+      notifier_(*ownNotifier_) {
   notifier_.setCurrentTransferStatus(kTransferRunning);
 }
 

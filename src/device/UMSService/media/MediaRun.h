@@ -118,7 +118,8 @@ class MediaRun {
   const _serviceinfo& request_;
   const char* const method_;
   const std::vector<Value> contents_;
-  OVUmsDeviceNotifier notifier_;
+  const std::shared_ptr<OVUmsDeviceNotifier> ownNotifier_;
+  OVUmsDeviceNotifier& notifier_;
   bool lastResult_ = false;
 };
 

@@ -49,7 +49,7 @@ PodcastRun::PodcastRun(PodcastTools& tools, const _serviceinfo& request, const S
       context_(tools.context),
       request_(request),
       channels_(channelsOf(request.contents)),
-      ownNotifier_(std::make_unique<OVUmsDeviceNotifier>(
+      ownNotifier_(OVUmsDeviceNotifier::forRun(
           context_.environment, scope.srcLocationID, scope.destLocationID, request.serviceID,
           request.mediaType, scope.deviceName, scope.storageIndex, scope.episodes, scope.bytes)),
       notifier_(*ownNotifier_),

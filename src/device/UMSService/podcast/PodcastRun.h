@@ -125,7 +125,7 @@ class PodcastRun {
   ServiceContext& context_;
   const _serviceinfo& request_;
   const std::vector<PodcastChannel> channels_;
-  const std::unique_ptr<OVUmsDeviceNotifier> ownNotifier_;
+  const std::shared_ptr<OVUmsDeviceNotifier> ownNotifier_;
   OVUmsDeviceNotifier& notifier_;
   const QDUIPodcastXMLConverter converter_;
   EpisodeLedger ledger_;

@@ -16,9 +16,25 @@ constexpr uint32_t kWhole = 100;
 
 }  // namespace
 
-/// The fields, and the steps that need the notifier's lock held.
+/// The section of the object that the host knows the notifier by, for the analysis of locks.
+class CAPABILITY("mutex") ObjectSection {
+ public:
+  explicit ObjectSection(std::shared_ptr<SynchronizedObject> object)
+      : object_(object ? std::move(object) : makeSynchronizedObject()) {}
+  void lock() ACQUIRE() { object_->lock(); }
+  void unlock() RELEASE() { object_->unlock(); }
+  SynchronizedObject& object() const { return *object_; }
+
+ private:
+  const std::shared_ptr<SynchronizedObject> object_;
+};
+
+using SectionLock = ScopedLock<ObjectSection>;
+
+/// The fields, and the steps that need the notifier's section held.
 struct OVUmsDeviceNotifier::State {
-  explicit State(const Environment& environment) : center(environment.notificationCenter), log(environment) {}
+  State(const Environment& environment, std::shared_ptr<SynchronizedObject> object)
+      : center(environment.notificationCenter), log(environment), mutex(std::move(object)) {}
 
   void postProgress(uint32_t maxProgress, uint32_t percent) REQUIRES(mutex);
   void postResult() REQUIRES(mutex);
@@ -28,7 +44,7 @@ struct OVUmsDeviceNotifier::State {
   const std::shared_ptr<NotificationCenter> center;
   const Log log;
 
-  mutable RecursiveMutex mutex;
+  mutable ObjectSection mutex;
   MaybeString _srcLocationID GUARDED_BY(mutex);
   MaybeString _destLocationID GUARDED_BY(mutex);
   uint32_t _serviceID GUARDED_BY(mutex) = 0;
@@ -98,8 +114,9 @@ void OVUmsDeviceNotifier::State::addSentBytes(uint64_t sentBytes, bool fileIsCom
   _prevSendBytes = fileIsComplete ? 0 : sentBytes;
 }
 
-OVUmsDeviceNotifier::OVUmsDeviceNotifier(const Environment& environment)
-    : state_(std::make_unique<State>(environment)) {
+OVUmsDeviceNotifier::OVUmsDeviceNotifier(const Environment& environment,
+                                         std::shared_ptr<SynchronizedObject> object)
+    : state_(std::make_unique<State>(environment, std::move(object))) {
   constexpr auto kMethod = "-[OVUmsDeviceNotifier init]";
   state_->log.write(7, kMethod, "ENTER");
   state_->log.write(7, kMethod, "EXIT");
@@ -109,14 +126,14 @@ OVUmsDeviceNotifier::OVUmsDeviceNotifier(const Environment& environment, const M
                                          const MaybeString& destLocationID, uint32_t serviceID,
                                          uint32_t mediaType, const MaybeString& deviceName,
                                          uint32_t storageIndex, uint32_t maxTransferFileCount,
-                                         uint64_t maxTransferSize)
-    : state_(std::make_unique<State>(environment)) {
+                                         uint64_t maxTransferSize, std::shared_ptr<SynchronizedObject> object)
+    : state_(std::make_unique<State>(environment, std::move(object))) {
   constexpr auto kMethod =
       "-[OVUmsDeviceNotifier initWithInformations:destLocationID:serviceID:mediaType:deviceName:storageIndex:"
       "maxTransferFileCount:maxTransferSize:]";
   state_->log.write(7, kMethod, "ENTER");
   {
-    RecursiveMutexLock lock(state_->mutex);
+    SectionLock lock(state_->mutex);
     state_->_srcLocationID = srcLocationID;
     state_->_destLocationID = destLocationID;
     state_->_serviceID = serviceID;
@@ -131,13 +148,30 @@ OVUmsDeviceNotifier::OVUmsDeviceNotifier(const Environment& environment, const M
 
 OVUmsDeviceNotifier::~OVUmsDeviceNotifier() = default;
 
+std::shared_ptr<OVUmsDeviceNotifier> OVUmsDeviceNotifier::forRun(
+    const Environment& environment, const MaybeString& srcLocationID, const MaybeString& destLocationID,
+    uint32_t serviceID, uint32_t mediaType, const MaybeString& deviceName, uint32_t storageIndex,
+    uint32_t maxTransferFileCount, uint64_t maxTransferSize) {
+  if (const auto& factory = environment.notifierFactory) {
+    return factory->make(srcLocationID, destLocationID, serviceID, mediaType, deviceName, storageIndex,
+                         maxTransferFileCount, maxTransferSize);
+  }
+  return std::make_shared<OVUmsDeviceNotifier>(environment, srcLocationID, destLocationID, serviceID,
+                                               mediaType, deviceName, storageIndex, maxTransferFileCount,
+                                               maxTransferSize);
+}
+
+SynchronizedObject& OVUmsDeviceNotifier::synchronizedSection() const {
+  return state_->mutex.object();
+}
+
 void OVUmsDeviceNotifier::sendTransferEvent(uint32_t maxProgress, uint32_t currentPersent) {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   state_->postProgress(maxProgress, currentPersent);
 }
 
 void OVUmsDeviceNotifier::sendResultEvent() {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   state_->postResult();
 }
 
@@ -146,7 +180,7 @@ void OVUmsDeviceNotifier::sendResultNotification() {
 }
 
 void OVUmsDeviceNotifier::incCurrentTransferFileCount() {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   state_->postResult();
   if (state_->_currentTransferFileCount == state_->_maxTransferFileCount) {
     state_->finish();
@@ -156,7 +190,7 @@ void OVUmsDeviceNotifier::incCurrentTransferFileCount() {
 }
 
 void OVUmsDeviceNotifier::incFailTransferFileCount() {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   ++state_->_failTransferFileCount;
   if (state_->_currentTransferFileCount < state_->_maxTransferFileCount) ++state_->_currentTransferFileCount;
   // Hosts have always been told of the end when the count arrives here, one file early included.
@@ -164,7 +198,7 @@ void OVUmsDeviceNotifier::incFailTransferFileCount() {
 }
 
 void OVUmsDeviceNotifier::addFailTransferFileCount(uint32_t count) {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   state_->_failTransferFileCount += count;
   state_->_currentTransferFileCount += count;
   // The count is 1-based, so "all files" stands one above the maximum.
@@ -175,7 +209,7 @@ void OVUmsDeviceNotifier::addFailTransferFileCount(uint32_t count) {
 }
 
 void OVUmsDeviceNotifier::addCurrentTransferFileCount(uint32_t count) {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   uint64_t reached = uint64_t{state_->_currentTransferFileCount} + count;
   state_->_currentTransferFileCount =
       static_cast<uint32_t>(std::min<uint64_t>(reached, state_->_maxTransferFileCount));
@@ -183,7 +217,7 @@ void OVUmsDeviceNotifier::addCurrentTransferFileCount(uint32_t count) {
 }
 
 void OVUmsDeviceNotifier::addCurrentSendBytesEx(uint64_t sentBytes) {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   state_->addSentBytes(sentBytes, sentBytes == state_->_maxSendBytes);
 }
 
@@ -195,7 +229,7 @@ void OVUmsDeviceNotifier::cancelFileTransfer() {
   constexpr auto kMethod = "-[OVUmsDeviceNotifier cancelFileTransfer]";
   state_->log.write(7, kMethod, "ENTER");
   {
-    RecursiveMutexLock lock(state_->mutex);
+    SectionLock lock(state_->mutex);
     state_->_currentTransferStatus = kTransferCancelled;
     state_->postProgress(kWhole, kWhole);
   }
@@ -203,37 +237,37 @@ void OVUmsDeviceNotifier::cancelFileTransfer() {
 }
 
 void OVUmsDeviceNotifier::deleteFileTransfer() {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   if (state_->_maxTransferFileCount == 0) return;
   uint64_t scaled = uint64_t{state_->_currentTransferFileCount} * kWhole;
   state_->postProgress(kWhole, static_cast<uint32_t>(scaled / state_->_maxTransferFileCount));
 }
 
 MaybeDictionary OVUmsDeviceNotifier::mediaInfo() const {
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   return state_->_mediaInfo ? MaybeDictionary(state_->_mediaInfo->mutableCopy()) : std::nullopt;
 }
 
 void OVUmsDeviceNotifier::setMediaInfo(const MaybeDictionary& value) {
   MaybeDictionary copy = value ? MaybeDictionary(value->mutableCopy()) : std::nullopt;
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   state_->_mediaInfo.swap(copy);
 }
 
 void OVUmsDeviceNotifier::setPodcastXmlData(const MaybeDictionary& value) {
   MaybeDictionary copy = value ? MaybeDictionary(value->mutableCopy()) : std::nullopt;
-  RecursiveMutexLock lock(state_->mutex);
+  SectionLock lock(state_->mutex);
   state_->_xmlInfo.swap(copy);
 }
 
 // A getter and a setter for each plain field.
 #define UMS_NOTIFIER_PROPERTY(Type, Argument, getter, setter) \
   Type OVUmsDeviceNotifier::getter() const {                  \
-    RecursiveMutexLock lock(state_->mutex);                   \
+    SectionLock lock(state_->mutex);                          \
     return state_->_##getter;                                 \
   }                                                           \
   void OVUmsDeviceNotifier::setter(Argument value) {          \
-    RecursiveMutexLock lock(state_->mutex);                   \
+    SectionLock lock(state_->mutex);                          \
     state_->_##getter = value;                                \
   }
 

@@ -1,0 +1,71 @@
+/// What `@synchronized` on a service or on a notifier keeps out.
+#include <atomic>
+#include <thread>
+
+#include "HostTest.h"
+
+namespace umsplugin::testing {
+namespace {
+
+class Sections : public HostTest {
+ protected:
+  UMSService* const service = makeDevice();
+  NSArray* const contents = [NSArray arrayWithObject:content(sandbox.file("mac/a.mp3", "a"), "a.mp3")];
+};
+
+TEST_F(Sections, OfAServiceKeepsItsLongOperationsOut) {
+  std::atomic<bool> held = true;
+  std::atomic<bool> ranInside = false;
+  onEach([&](NSNotification*) { ranInside = ranInside || held; });
+  @synchronized(service) {
+    ASSERT_TRUE([service copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:0]);
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_EQ([[ear named:nil] count], 0u);
+    held = false;
+  }
+  ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
+  EXPECT_FALSE(ranInside);
+}
+
+TEST_F(Sections, OfAServiceIsHeldByItsLongOperations) {
+  std::atomic<bool> inside = false;
+  std::atomic<bool> overlapped = false;
+  std::atomic<bool> entered = false;
+  std::thread other;
+  onEach([&](NSNotification* notification) {
+    if (![[notification name] isEqualToString:kItemResult]) return;
+    inside = true;
+    other = std::thread([&] {
+      @synchronized(service) {
+        overlapped = inside.load();
+        entered = true;
+      }
+    });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    inside = false;
+  });
+  ASSERT_TRUE([service copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:0]);
+  ASSERT_TRUE(eventually([&] { return entered.load(); }));
+  other.join();
+  EXPECT_FALSE(overlapped);
+}
+
+TEST_F(Sections, OfANotifierKeepsItsStepsOut) {
+  OVUmsDeviceNotifier* notifier = [[[bundleClass(@"OVUmsDeviceNotifier") alloc] init] autorelease];
+  [notifier setMaxTransferFileCount:5];
+  std::atomic<bool> held = true;
+  std::atomic<bool> postedInside = false;
+  onEach([&](NSNotification*) { postedInside = held.load(); });
+  std::thread other;
+  @synchronized(notifier) {
+    other = std::thread([&] { [notifier incCurrentTransferFileCount]; });
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    held = false;
+  }
+  other.join();
+  EXPECT_FALSE(postedInside);
+  EXPECT_EQ([notifier currentTransferFileCount], 2u);
+}
+
+}  // namespace
+}  // namespace umsplugin::testing
