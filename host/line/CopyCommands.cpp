@@ -14,7 +14,7 @@ constexpr auto kPushEnding =
     "fail are named with their cause at the end; the others are copied.\n"
     "\n"
     "A file whose name is on the device already is asked about on a terminal (y, n,\n"
-    "all or none); elsewhere it is skipped, and said so. --on-conflict decides it\n"
+    "all, none or quit); elsewhere it is skipped, and said so. --on-conflict decides it\n"
     "beforehand.\n"
     "\n"
     "Examples:\n"
