@@ -1,6 +1,7 @@
 #include "umsservice/OVUmsDeviceNotifier.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Log.h"
 #include "Mutex.h"
@@ -91,9 +92,10 @@ void OVUmsDeviceNotifier::State::postResult() {
       {key::kLocationId, _destLocationID}, {key::kFilePath, _filePath},
       {key::kPlaylistName, _playlistName}, {key::kDeviceName, _deviceName},
       {key::kChannelName, _channelName},   {key::kPodcastXmlInfo, _xmlInfo ? Value(*_xmlInfo) : Value()}};
-  // The item's tags go along, and give way to what the result says itself.
-  for (const std::string& name : _mediaInfo ? _mediaInfo->keys() : std::vector<std::string>()) {
-    if (!userInfo.contains(name)) userInfo.set(name, _mediaInfo->get(name));
+  if (_mediaInfo) {
+    // The item's tags go along, and give way to what the result says itself.
+    const Dictionary own = std::exchange(userInfo, _mediaInfo->mutableCopy());
+    for (const std::string& name : own.keys()) userInfo.set(name, own.get(name));
   }
   center->post(kMediaResultNotification, userInfo);
 }
