@@ -99,22 +99,19 @@ void RequestQueue::umsFileServiceQueueThread(const std::function<void(_servicein
   context_.log.write(6, kWorkerMethod, "umsFileServiceQueueThread Exit!");
 }
 
-bool RequestQueue::takeMatching(uint32_t serviceID, std::vector<Record>& removed) {
+bool RequestQueue::takeMatching(uint32_t serviceID, std::list<Record>& removed) {
   if (!queueLock_.tryLock()) return false;
-  size_t before = removed.size();
-  std::deque<Record> kept;
-  for (Record& record : serviceItem_) {
-    if (record->serviceID == serviceID)
-      removed.push_back(std::move(record));
-    else
-      kept.push_back(std::move(record));
+  const size_t before = removed.size();
+  // Moved from list to list, which needs no memory: nothing can go wrong while the lock is held.
+  for (auto next = serviceItem_.begin(); next != serviceItem_.end();) {
+    auto record = next++;
+    if ((*record)->serviceID == serviceID) removed.splice(removed.end(), serviceItem_, record);
   }
-  serviceItem_.swap(kept);
   queueLock_.unlock();
   return removed.size() > before;
 }
 
-void RequestQueue::announceCancelled(const std::vector<Record>& removed) {
+void RequestQueue::announceCancelled(const std::list<Record>& removed) {
   FirstException exception;
   for (const Record& record : removed) {
     exception.guard([&] {
@@ -126,7 +123,7 @@ void RequestQueue::announceCancelled(const std::vector<Record>& removed) {
 }
 
 bool RequestQueue::emptyQueue(uint32_t serviceID) {
-  std::vector<Record> removed;
+  std::list<Record> removed;
   bool found = takeMatching(serviceID, removed);
   announceCancelled(removed);
   return found;
@@ -180,7 +177,7 @@ bool RequestQueue::exitServiceThread() {
 }
 
 void RequestQueue::releaseAndDropAll() {
-  std::deque<Record> dropped;  // freed after the lock is given back: contents may belong to the host
+  std::list<Record> dropped;  // freed after the lock is given back: contents may belong to the host
   MutexLock lock(queueLock_);
   context_.releaseState = 1;
   dropped.swap(serviceItem_);

@@ -5,8 +5,8 @@
 /// so a handler may queue, cancel and release. A request queued while the worker decides to sleep is seen.
 #pragma once
 
-#include <deque>
 #include <functional>
+#include <list>
 #include <memory>
 #include <vector>
 
@@ -48,13 +48,13 @@ class RequestQueue {
   /// What one walk over the cancel list took out of the queue; no ID for an entry that is no number.
   struct Cancelled {
     CancelList::Entry serviceID;
-    std::vector<Record> records;
+    std::list<Record> records;
     size_t passedOver = 0;  ///< entries that are no numbers, met while the ID was taken out of the list
   };
 
   std::vector<Cancelled> takeCancelled();
-  bool takeMatching(uint32_t serviceID, std::vector<Record>& removed);
-  void announceCancelled(const std::vector<Record>& removed);
+  bool takeMatching(uint32_t serviceID, std::list<Record>& removed);
+  void announceCancelled(const std::list<Record>& removed);
   bool isEmpty();
   Record takeFront();
   uint64_t signalsSoFar();
@@ -64,7 +64,7 @@ class RequestQueue {
   RequestReports& reports_;
 
   Mutex queueLock_;
-  std::deque<Record> serviceItem_ GUARDED_BY(queueLock_);
+  std::list<Record> serviceItem_ GUARDED_BY(queueLock_);
 
   Mutex syncConditionLock_;
   Condition syncCondition_;
