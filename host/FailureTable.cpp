@@ -7,16 +7,13 @@
 #include "EscapedName.h"
 #include "Output.h"
 #include "Terminal.h"
-#include "umsservice/ErrorNumbers.h"
 
 namespace umsctl {
 namespace {
 
-/// A file that never came as far as the service has the number of bad input.
 std::string numberText(uint32_t number) {
   char text[16];
-  std::snprintf(text, sizeof text, "0x%08x",
-                static_cast<unsigned>(number ? number : umsservice::kErrorInvalidInput));
+  std::snprintf(text, sizeof text, "0x%08x", static_cast<unsigned>(number));
   return text;
 }
 

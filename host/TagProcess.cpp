@@ -1,17 +1,21 @@
 #include "TagProcess.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <mutex>
 #include <optional>
+#include <utility>
 
 #include "FileTags.h"
 
@@ -24,7 +28,7 @@ using umsservice::MaybeDictionary;
 using umsservice::Value;
 
 /// Seconds after which the reader of a file is given up.
-constexpr unsigned kPatience = 10;
+constexpr std::chrono::seconds kPatience{10};
 /// More than any path and any cover picture.
 constexpr uint64_t kLargestMessage = 64u << 20;
 
@@ -44,9 +48,24 @@ bool writeAll(int to, const void* bytes, size_t size) {
   return true;
 }
 
-bool readAll(int from, void* bytes, size_t size) {
+using Clock = std::chrono::steady_clock;
+
+/// Whether there is something to read, or an end of it, before a time.
+bool isReadable(int from, Clock::time_point deadline) {
+  for (;;) {
+    const auto left = std::chrono::duration_cast<std::chrono::milliseconds>(deadline - Clock::now()).count();
+    pollfd waiting{from, POLLIN, 0};
+    const int ready = ::poll(&waiting, 1, static_cast<int>(std::clamp<long long>(left, 0, 60'000)));
+    if (ready > 0) return true;
+    if (ready < 0 && errno != EINTR) return false;
+    if (left <= 0) return false;
+  }
+}
+
+bool readAll(int from, void* bytes, size_t size, Clock::time_point deadline) {
   char* at = static_cast<char*>(bytes);
   while (size > 0) {
+    if (!isReadable(from, deadline)) return false;
     ssize_t length = ::read(from, at, size);
     if (length < 0 && errno == EINTR) continue;
     if (length <= 0) return false;
@@ -57,7 +76,7 @@ bool readAll(int from, void* bytes, size_t size) {
 }
 
 struct Message {
-  uint64_t number = 0;  ///< of the question that it is or answers; 0 where a reader died over one
+  uint64_t number = 0;  ///< of the question that it is or answers
   std::string text;
 };
 
@@ -66,11 +85,11 @@ bool send(int to, const Message& message) {
   return writeAll(to, head, sizeof head) && writeAll(to, message.text.data(), message.text.size());
 }
 
-std::optional<Message> receive(int from) {
+std::optional<Message> receive(int from, Clock::time_point deadline = Clock::time_point::max()) {
   uint64_t head[2] = {};
-  if (!readAll(from, head, sizeof head) || head[1] > kLargestMessage) return std::nullopt;
+  if (!readAll(from, head, sizeof head, deadline) || head[1] > kLargestMessage) return std::nullopt;
   Message message{head[0], std::string(static_cast<size_t>(head[1]), '\0')};
-  if (!readAll(from, message.text.data(), message.text.size())) return std::nullopt;
+  if (!readAll(from, message.text.data(), message.text.size(), deadline)) return std::nullopt;
   return message;
 }
 
@@ -150,34 +169,91 @@ MaybeDictionary unpacked(const std::string& message) {
 /// In the process that reads: file by file, until one brings it down.
 [[noreturn]] void answerAll(int line) {
   while (auto question = receive(line)) {
-    ::alarm(kPatience);  // ends the process
-    Message answer{question->number, packed(fileTags(question->text))};
-    ::alarm(0);
-    if (!send(line, answer)) break;
+    if (!send(line, {question->number, packed(fileTags(question->text))})) break;
   }
   ::_exit(0);
 }
 
-/// In the process that starts another reader wherever one has died. Ends when the program has.
-[[noreturn]] void serve(int line) {
-  for (;;) {
-    const pid_t reader = ::fork();
-    if (reader == 0) answerAll(line);
-    if (reader < 0) ::_exit(1);
-    int state = 0;
-    while (::waitpid(reader, &state, 0) < 0 && errno == EINTR) continue;
-    if (WIFEXITED(state) && WEXITSTATUS(state) == 0) ::_exit(0);
-    if (!send(line, {0, "n"})) ::_exit(0);
+/// The process that reads, and the server's line to it. Each has a line of its own: one that dies in the
+/// middle of an answer ends it, and nothing of the half comes before another answer.
+class Reader {
+ public:
+  ~Reader() { end(); }
+
+  /// Whole, in time, or not at all; a reader that failed is replaced at the next question.
+  std::optional<Message> answer(const Message& question, int serversLine) {
+    // One that died since the last question has not seen this one.
+    if (!isThere() || !send(line_, question)) {
+      end();
+      if (!start(serversLine) || !send(line_, question)) return std::nullopt;
+    }
+    auto answer = receive(line_, Clock::now() + kPatience);
+    if (answer && answer->number == question.number) return answer;
+    end();
+    return std::nullopt;
   }
+
+ private:
+  bool isThere() const { return process_ > 0; }
+
+  bool start(int serversLine) {
+    int ends[2];
+    if (::socketpair(AF_UNIX, SOCK_STREAM, 0, ends) != 0) return false;
+    process_ = ::fork();
+    if (process_ == 0) {
+      ::close(serversLine);
+      ::close(ends[0]);
+      answerAll(ends[1]);
+    }
+    ::close(ends[1]);
+    line_ = ends[0];
+    return isThere();
+  }
+
+  void end() {
+    if (line_ >= 0) ::close(std::exchange(line_, -1));
+    if (!isThere()) return;
+    ::kill(process_, SIGKILL);
+    while (::waitpid(process_, nullptr, 0) < 0 && errno == EINTR) continue;
+    process_ = -1;
+  }
+
+  pid_t process_ = -1;
+  int line_ = -1;
+};
+
+/// In the process between: hands on questions and whole answers, and ends when the program has.
+[[noreturn]] void serve(int line) {
+  {
+    Reader reader;
+    while (auto question = receive(line)) {
+      auto answer = reader.answer(*question, line);
+      if (!send(line, answer.value_or(Message{question->number, "n"}))) break;
+    }
+  }
+  ::_exit(0);
 }
 
-/// Nobody but the program is to notice the process: it holds no stream that others wait for and no folder,
-/// and leaves Ctrl-C to the program.
+/// What a parent may have left behind must not decide whether a reader's end is heard.
+void resetSignals() {
+  sigset_t none;
+  ::sigemptyset(&none);
+  ::sigprocmask(SIG_SETMASK, &none, nullptr);
+  ::signal(SIGCHLD, SIG_DFL);
+  for (int number : {SIGINT, SIGQUIT, SIGHUP, SIGTERM, SIGTSTP, SIGPIPE}) ::signal(number, SIG_IGN);
+}
+
+/// Nobody but the program is to notice the process: it holds no descriptor that others wait for and no
+/// folder, and leaves Ctrl-C to the program.
 [[noreturn]] void becomeServer(int line) {
+  constexpr int kMostInherited = 1024;
   const int nowhere = ::open("/dev/null", O_RDWR);
   for (int stream : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) ::dup2(nowhere, stream);
+  for (int inherited = STDERR_FILENO + 1; inherited < kMostInherited; ++inherited) {
+    if (inherited != line) ::close(inherited);
+  }
   if (::chdir("/") != 0) ::_exit(1);
-  for (int number : {SIGINT, SIGQUIT, SIGHUP, SIGTERM, SIGTSTP, SIGPIPE}) ::signal(number, SIG_IGN);
+  resetSignals();
   const rlimit noCores{0, 0};
   ::setrlimit(RLIMIT_CORE, &noCores);
   serve(line);
@@ -207,10 +283,10 @@ MaybeDictionary TagProcess::read(const std::string& path) {
   std::lock_guard lock(talking);
   if (descriptor < 0) return fileTags(path);
   if (!send(descriptor, {++number, path})) return std::nullopt;
-  auto answer = receive(descriptor);
-  // One to an earlier question is late: its reader was taken for dead.
-  while (answer && answer->number != 0 && answer->number != number) answer = receive(descriptor);
-  return answer ? unpacked(answer->text) : std::nullopt;
+  auto answer = receive(descriptor, Clock::now() + 2 * kPatience);
+  // An answer that did not come whole and in time would be taken for one to a later question.
+  if (!answer || answer->number != number) ::shutdown(descriptor, SHUT_RDWR);
+  return answer && answer->number == number ? unpacked(answer->text) : std::nullopt;
 }
 
 }  // namespace umsctl

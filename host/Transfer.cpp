@@ -109,6 +109,7 @@ std::vector<Transfer::Part> Transfer::sortAll(const Sort& sort) {
       part = sort(i);
     } else {
       part.settled.emplace().kind = ItemOutcome::Kind::Failed;
+      part.settled->errorNumber = umsservice::kErrorInvalidInput;
     }
     takesSubtitles_[i] = part.mediaType == umsservice::kMediaVideo;
     if (part.settled) {
@@ -147,6 +148,7 @@ ExitStatus Transfer::runDirectly(const Direct& direct, const WrittenPlace& writt
   } else {
     ItemOutcome refused;
     refused.kind = ItemOutcome::Kind::Failed;
+    refused.errorNumber = umsservice::kErrorInvalidInput;
     outcomes_->itemCounted(refused);
   }
   return conclude({written});

@@ -3,7 +3,7 @@
 /// Each keeps the host's object retained and asks it anew for every element, so the library sees what the
 /// host sees, and a dictionary that an operation changes is the host's own. An object that cannot be changed,
 /// or that raises at the attempt, is replaced here by a changeable copy at the first change; the host's stays
-/// as it was. Calls from any thread; each is one step for everyone who synchronizes on the host's object.
+/// as it was. Calls from any thread; each is one step among those of the library.
 #pragma once
 
 #import <Foundation/Foundation.h>

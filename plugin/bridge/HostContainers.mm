@@ -1,6 +1,7 @@
 #include "bridge/HostContainers.h"
 
 #include <algorithm>
+#include <mutex>
 
 #include "bridge/CallbackScope.h"
 #include "bridge/Exceptions.h"
@@ -34,6 +35,18 @@ std::vector<Value> valuesOf(NSArray* array) {
   return values;
 }
 
+/// Keeps the steps of the library's threads on one object of the host apart. No lock of the host's: a host may
+/// hold that while it waits for a worker that reads the object.
+class OneStep {
+ public:
+  explicit OneStep(id object) : lock_(locks_[(reinterpret_cast<uintptr_t>(object) >> 4) % kLocks]) {}
+
+ private:
+  static constexpr size_t kLocks = 61;
+  static inline std::recursive_mutex locks_[kLocks];
+  std::lock_guard<std::recursive_mutex> lock_;
+};
+
 }  // namespace
 
 HostCollection::~HostCollection() {
@@ -48,7 +61,8 @@ id HostCollection::object() const {
 /// What takes the place of an object: a copy of it, or what another thread has put there first.
 id HostCollection::exchanged(id before) {
   id copy = nil;
-  @synchronized(before) {
+  {
+      OneStep step(before);
     copy = [[before mutableCopy] autorelease];
   }
   std::lock_guard lock(mutex_);
@@ -63,7 +77,8 @@ void HostCollection::change(const std::function<void(id)>& change) {
   id present = object();
   if ([present isKindOfClass:changeable_]) {
     id exception = nil;
-    @synchronized(present) {
+    {
+      OneStep step(present);
       // Some collections are of a changeable class and raise all the same.
       exception = exceptionIn([&] { change(present); });
     }
@@ -71,7 +86,8 @@ void HostCollection::change(const std::function<void(id)>& change) {
     [exception release];
   }
   id copy = exchanged(present);
-  @synchronized(copy) {
+  {
+      OneStep step(copy);
     change(copy);
   }
 }
@@ -79,7 +95,8 @@ void HostCollection::change(const std::function<void(id)>& change) {
 size_t HostArray::count() const {
   return inCallback([this] {
     NSArray* array = object();
-    @synchronized(array) {
+    {
+      OneStep step(array);
       return static_cast<size_t>([array count]);
     }
   });
@@ -88,7 +105,8 @@ size_t HostArray::count() const {
 Value HostArray::at(size_t index) const {
   return inCallback([&] {
     NSArray* array = object();
-    @synchronized(array) {
+    {
+      OneStep step(array);
       return index < [array count] ? toValue([array objectAtIndex:index]) : Value();
     }
   });
@@ -125,7 +143,8 @@ void HostArray::assign(std::vector<Value> values) {
 std::vector<Value> HostArray::snapshot() const {
   return inCallback([this] {
     NSArray* array = object();
-    @synchronized(array) {
+    {
+      OneStep step(array);
       return valuesOf(array);
     }
   });
@@ -138,7 +157,8 @@ MaybeString HostArray::description() const {
 Value HostDictionary::get(std::string_view key) const {
   return inCallback([&] {
     NSDictionary* dictionary = object();
-    @synchronized(dictionary) {
+    {
+      OneStep step(dictionary);
       return toValue([dictionary objectForKey:toHostText(std::string(key))]);
     }
   });
@@ -161,7 +181,8 @@ std::vector<std::string> HostDictionary::keys() const {
   return inCallback([this] {
     std::vector<std::string> names;
     NSDictionary* dictionary = object();
-    @synchronized(dictionary) {
+    {
+      OneStep step(dictionary);
       NSEnumerator* keys = [dictionary keyEnumerator];
       while (id key = [keys nextObject]) {
         if (auto name = toText(key)) names.push_back(*name);
@@ -175,7 +196,8 @@ std::vector<std::string> HostDictionary::keys() const {
 std::shared_ptr<umsservice::DictionaryStorage> HostDictionary::mutableCopy() const {
   return inCallback([this]() -> std::shared_ptr<umsservice::DictionaryStorage> {
     NSDictionary* dictionary = object();
-    @synchronized(dictionary) {
+    {
+      OneStep step(dictionary);
       return std::make_shared<HostDictionary>([[dictionary mutableCopy] autorelease]);
     }
   });

@@ -166,6 +166,17 @@ TEST_F(Dispatcher, TellsTheHostOfTheEndOfALongRequestThatAnExceptionStopped) {
   EXPECT_TRUE(object->isFree());
 }
 
+TEST_F(Dispatcher, ForgetsTheCancelOfARequestThatAnExceptionStopped) {
+  operations.answer = [&]() -> bool {
+    context.cancelList.add(7);
+    context.cancelList.add(8);
+    throw std::runtime_error("gone");
+  };
+  dispatcher.serve(of(kCommandCopyToDevice));
+  EXPECT_FALSE(context.cancelList.isCancelServiceId(7));
+  EXPECT_TRUE(context.cancelList.isCancelServiceId(8));
+}
+
 TEST_F(Dispatcher, TellsOfTheEndBesideAHandlerThatThrowsAgain) {
   operations.answer = []() -> bool { throw std::runtime_error("gone"); };
   reports.onCancel = [](uint32_t) { throw std::runtime_error("gone again"); };

@@ -46,6 +46,39 @@ TEST_F(VolumeRegistry, AVolumeThatAHostPutsInByHandMeanwhileIsNotLost) {
   EXPECT_EQ(volumes.count(), size_t{2 * kEach});
 }
 
+/// A host's dictionary that calls back the first time it is read.
+class CallingBack final : public DictionaryStorage {
+ public:
+  explicit CallingBack(std::function<void()> call) : call_(std::move(call)) {}
+  Value get(std::string_view key) const override {
+    if (call_) std::exchange(call_, nullptr)();
+    return own_.get(key);
+  }
+  void set(std::string_view key, Value value) override { own_.set(key, std::move(value)); }
+  std::vector<std::string> keys() const override { return own_.keys(); }
+
+ private:
+  mutable std::function<void()> call_;
+  Dictionary own_ = disk(2, "calling");
+};
+
+TEST_F(VolumeRegistry, AHostMayChangeTheListWhileItsDictionaryIsRead) {
+  volumes.addDiskInformation(disk(1, "inner"));
+  volumes.addDiskInformation(Dictionary(std::make_shared<CallingBack>([this] {
+    volumes.addDiskInformation(disk(2, "first"));
+    volumes.removeDiskInformation(volumes.diskInfoFromIndex(0));
+  })));
+  EXPECT_EQ(listed(), (Lines{"0 2 first", "1 2 calling"}));
+}
+
+TEST_F(VolumeRegistry, RemovesOneOfTwoVolumesThatAreAlike) {
+  Array list = volumes.diskInformation();
+  list.append(disk(1, "twin"));
+  list.append(disk(1, "twin"));
+  volumes.removeDiskInformation(disk(1, "twin"));
+  EXPECT_EQ(list.count(), 1u);
+}
+
 TEST_F(VolumeRegistry, VolumesOfOneKindKeepTheirOrder) {
   for (const auto& [type, path] :
        std::vector<std::pair<int, const char*>>{{2, "a"}, {1, "b"}, {7, "c"}, {1, "d"}, {0, "e"}, {-1, "f"}})

@@ -225,5 +225,16 @@ TEST_F(NameListing, GivesNilWhenReleasedWhileTheFoldersAreListed) {
   EXPECT_FALSE(service->fileNameList(0, kMediaMusic, 0));
 }
 
+TEST_F(NameListing, GivesNilWhenReleasedWhileSizesAreRead) {
+  put("internal/a.mp3");
+  put("internal/b.mp3");
+  files.setFault([&](FileCall call, const std::string& path) {
+    if (call == FileCall::Attributes && path.ends_with("/a.mp3")) service->exitServiceThread();
+    return 0;
+  });
+  EXPECT_FALSE(service->fileNameListWithFolderStructure(0, kMediaMusic, 0));
+  EXPECT_EQ(files.count(FileCall::Attributes), 1u);
+}
+
 }  // namespace
 }  // namespace umsservice::testing

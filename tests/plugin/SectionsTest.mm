@@ -50,6 +50,16 @@ TEST_F(Sections, OfAServiceIsHeldByItsLongOperations) {
   EXPECT_FALSE(overlapped);
 }
 
+/// The last release waits for the worker, which must not wait for what this thread is in.
+TEST_F(Sections, OfARequestsArrayMayHoldTheLastRelease) {
+  UMSService* last = takeOver(makeDevice());
+  @synchronized(contents) {
+    ASSERT_TRUE([last copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:0]);
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    [last release];
+  }
+}
+
 TEST_F(Sections, OfANotifierKeepsItsStepsOut) {
   OVUmsDeviceNotifier* notifier = [[[bundleClass(@"OVUmsDeviceNotifier") alloc] init] autorelease];
   [notifier setMaxTransferFileCount:5];

@@ -3,24 +3,12 @@
 #include <chrono>
 
 #include "CaseFolding.h"
+#include "RequestInHand.h"
 #include "Rooms.h"
 #include "umsservice/Notifications.h"
 
 namespace umsservice {
 namespace {
-
-/// How many requests of any service the calling thread is in the middle of. Such a thread never waits for a
-/// worker: two services that let go of each other at once would wait for ever, and so would a release by the
-/// thread that holds the synchronized section for which the worker waits.
-thread_local int requestsInHand = 0;
-
-class RequestInHand {
- public:
-  RequestInHand() { ++requestsInHand; }
-  ~RequestInHand() { --requestsInHand; }
-  RequestInHand(const RequestInHand&) = delete;
-  RequestInHand& operator=(const RequestInHand&) = delete;
-};
 
 std::string describedAs(const void* service) {
   return stringWithFormat("<UMSService: %p>", {service});
@@ -67,7 +55,7 @@ UMSService::~UMSService() {
   // Volumes and names go with the rooms, once the worker needs them no more; a list that the host holds
   // stays.
   context.log.write(6, kMethod, "EXIT");
-  if (requestsInHand > 0) {
+  if (RequestInHand::isAny()) {
     worker_.detach();
   } else {
     worker_.join();
@@ -268,11 +256,13 @@ void UMSService::sendCancelProgressEvent(uint32_t serviceID, const MaybeString& 
 
 bool UMSService::transferProgressInfo(TransferContext* context, uint32_t maxTransferSize,
                                       uint32_t currentTransferSize) {
+  RequestInHand inHand;  // a destination may report on a thread of its own, for which a worker waits
   return rooms()->reports.transferProgressInfo(context, maxTransferSize, currentTransferSize);
 }
 
 bool UMSService::transferProgressInfoEx(TransferContext* context, uint64_t maxTransferSize,
                                         uint64_t currentTransferSize) {
+  RequestInHand inHand;
   return rooms()->reports.transferProgressInfoEx(context, maxTransferSize, currentTransferSize);
 }
 

@@ -88,6 +88,8 @@ void Dispatcher::report(const _serviceinfo& serviceInfo, const Outcome& outcome)
 /// computer and syncs this is the only end that a host knows, as they never have a result. A result, for the
 /// others, says that the operation failed. Each is posted once: a handler that throws again is let be.
 void Dispatcher::reportStopped(const _serviceinfo& serviceInfo) {
+  // The run had no time to: a later request of the same number is not what was cancelled.
+  context_.cancelList.removeEvery(serviceInfo.serviceID);
   if (isLong(serviceInfo.command)) {
     runsToItsEnd(context_, [&] {
       reports_.sendCancelProgressEvent(serviceInfo.serviceID, serviceInfo.srcLocationID,

@@ -43,9 +43,8 @@ MaybeDictionary firstVolume(const Array& list, Matches matches) {
 
 void VolumeRegistry::addDiskInformation(const MaybeDictionary& diskInformation) {
   if (!diskInformation) return;
-  MutexLock lock(rebuild_);
-  // Reading the dictionaries may run a host's code, so the list is free meanwhile; a host that changes it by
-  // hand just then is heard, and the list is rebuilt from what it made of it.
+  // Reading the dictionaries may run a host's code, so nothing is locked meanwhile; whoever changes the list
+  // just then is heard, and it is rebuilt from what they made of it.
   for (bool done = false; !done;) {
     const std::vector<Value> before = volumes_.snapshot();
     std::vector<Value> volumes = before;
@@ -63,13 +62,21 @@ void VolumeRegistry::addDiskInformation(const MaybeDictionary& diskInformation) 
 
 void VolumeRegistry::removeDiskInformation(const MaybeDictionary& diskInformation) {
   if (!diskInformation) return;
-  MutexLock lock(rebuild_);
-  std::vector<Value> volumes = volumes_.snapshot();
-  for (size_t i = 0; i < volumes.size(); ++i) {
-    auto volume = volumes[i].dictionary();
-    if (!volume || !volume->isEqualToDictionary(*diskInformation)) continue;
-    volumes_.removeAt(i);
-    return;
+  for (bool done = false; !done;) {
+    // Compared without a lock, as above; removed only where it still stands.
+    auto volume = firstVolume(volumes_, [&](const Dictionary& candidate) {
+      return candidate.isEqualToDictionary(*diskInformation);
+    });
+    if (!volume) return;
+    done = volumes_.edit([&](std::vector<Value>& present) {
+      auto found = std::find_if(present.begin(), present.end(), [&](const Value& element) {
+        auto dictionary = element.dictionary();
+        return dictionary && dictionary->isSame(*volume);
+      });
+      if (found == present.end()) return false;
+      present.erase(found);
+      return true;
+    });
   }
 }
 

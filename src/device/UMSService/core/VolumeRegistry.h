@@ -4,7 +4,6 @@
 /// from any thread: the list is replaced in one step, so a lookup never sees it half rebuilt.
 #pragma once
 
-#include "Mutex.h"
 #include "umsservice/Value.h"
 
 namespace umsservice {
@@ -32,7 +31,6 @@ class VolumeRegistry {
   static MaybeDictionary diskInfoFromDiskInfoList(const MaybeArray& diskInfoList, uint32_t index);
 
  private:
-  Mutex rebuild_;  ///< one change of the list at a time
   Array volumes_;  ///< the reference never changes; its elements do
 };
 

@@ -146,8 +146,10 @@ MaybeArray MediaListings::fileNameListWithFolderStructure(uint32_t mediaType, ui
   if (!paths) return std::nullopt;
   std::vector<uint64_t> sizes;
   sizes.reserve(paths->size());
-  for (size_t i = 0; i < paths->size(); ++i)
+  for (size_t i = 0; i < paths->size(); ++i) {
+    if (context_.isReleased()) return std::nullopt;
     sizes.push_back(sizes_.mediaFileSize(joinedPath(*volume->path, (*paths)[i])));
+  }
   using FileName = ListedFilesForm::FileName;
   return listedFiles({.folder = *volume->path,
                       .fileName = volume->index == 0 ? FileName::Path : FileName::PathOnCard,
