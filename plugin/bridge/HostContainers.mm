@@ -35,8 +35,8 @@ std::vector<Value> valuesOf(NSArray* array) {
   return values;
 }
 
-/// Keeps the steps of the library's threads on one object of the host apart. No lock of the host's: a host may
-/// hold that while it waits for a worker that reads the object.
+/// Keeps the steps of the library's threads on one object of the host apart. No lock of the host's: a host
+/// may hold that while it waits for a worker that reads the object.
 class OneStep {
  public:
   explicit OneStep(id object) : lock_(locks_[(reinterpret_cast<uintptr_t>(object) >> 4) % kLocks]) {}
@@ -62,7 +62,7 @@ id HostCollection::object() const {
 id HostCollection::exchanged(id before) {
   id copy = nil;
   {
-      OneStep step(before);
+    OneStep step(before);
     copy = [[before mutableCopy] autorelease];
   }
   std::lock_guard lock(mutex_);
@@ -87,7 +87,7 @@ void HostCollection::change(const std::function<void(id)>& change) {
   }
   id copy = exchanged(present);
   {
-      OneStep step(copy);
+    OneStep step(copy);
     change(copy);
   }
 }
