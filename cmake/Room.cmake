@@ -2,7 +2,7 @@
 # so that each source proves that it includes what it uses.
 option(UMS_PRECOMPILE "Precompile headers of the standard library" ON)
 function(ums_precompile target)
-  cmake_parse_arguments(precompile "" "REUSE_FROM" "ALSO" ${ARGN})
+  cmake_parse_arguments(precompile "" "REUSE_FROM" "" ${ARGN})
   if(NOT UMS_PRECOMPILE)
     return()
   endif()
@@ -10,7 +10,7 @@ function(ums_precompile target)
     target_precompile_headers(${target} REUSE_FROM ${precompile_REUSE_FROM})
   else()
     target_precompile_headers(${target} PRIVATE <algorithm> <atomic> <functional> <memory> <mutex> <optional> <string>
-                              <string_view> <thread> <variant> <vector> ${precompile_ALSO})
+                              <string_view> <thread> <variant> <vector>)
   endif()
 endfunction()
 

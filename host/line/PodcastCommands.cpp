@@ -19,7 +19,7 @@ constexpr auto kInputEnding =
     "Example:\n"
     "  umsctl podcast push --internal /media/me/PHONE --feed news.rss --episodes ~/casts";
 
-constexpr auto kRemoveEnding =
+constexpr auto kPodcastRemoveEnding =
     "Without episodes the whole channel goes, its folder with everything in it. Without\n"
     "a terminal nothing is deleted unless --yes is given.";
 
@@ -54,21 +54,21 @@ void addPushing(CLI::App& podcast, Command& chosen, bool isSync) {
   command.footer(kInputEnding);
 }
 
-void addPush(CLI::App& podcast, Command& chosen) {
+void addPodcastPush(CLI::App& podcast, Command& chosen) {
   addPushing(podcast, chosen, false);
 }
 
-void addSync(CLI::App& podcast, Command& chosen) {
+void addPodcastSync(CLI::App& podcast, Command& chosen) {
   addPushing(podcast, chosen, true);
 }
 
-void addList(CLI::App& podcast, Command& chosen) {
+void addPodcastList(CLI::App& podcast, Command& chosen) {
   CLI::App& command = *podcast.add_subcommand("ls", "Show channels and episodes with date, duration, size");
   auto options = optionsOf(command, chosen, podcastList);
   addVolumes(command, *options, true);
 }
 
-void addRemove(CLI::App& podcast, Command& chosen) {
+void addPodcastRemove(CLI::App& podcast, Command& chosen) {
   CLI::App& command = *podcast.add_subcommand("rm", "Delete a channel, or some of its episodes");
   auto options = optionsOf(command, chosen, podcastRemove);
   addVolumes(command, options->volumes, true);
@@ -78,10 +78,10 @@ void addRemove(CLI::App& podcast, Command& chosen) {
       ->required()
       ->type_name("");
   command.add_option("EPISODE", options->episodes, "Titles or file names; all unless said")->type_name("");
-  command.footer(kRemoveEnding);
+  command.footer(kPodcastRemoveEnding);
 }
 
-void addSend(CLI::App& podcast, Command& chosen) {
+void addPodcastSend(CLI::App& podcast, Command& chosen) {
   CLI::App& command = *podcast.add_subcommand("send", "Copy channels from one device to another");
   auto options = optionsOf(command, chosen, podcastSend);
   addSendingVolumes(command, options->from);
@@ -110,7 +110,8 @@ void addPodcastCommands(CLI::App& app, Command& chosen) {
     if (podcast.get_subcommands().empty() && podcast.remaining().empty())
       throw CLI::ValidationError("a podcast command is missing: push, sync, ls, rm or send");
   });
-  for (auto add : {addPush, addSync, addList, addRemove, addSend}) add(podcast, chosen);
+  for (auto add : {addPodcastPush, addPodcastSync, addPodcastList, addPodcastRemove, addPodcastSend})
+    add(podcast, chosen);
 }
 
 }  // namespace umsctl

@@ -15,6 +15,7 @@
 #include "umsservice/OVMediaInfoFactory.h"
 #include "umsservice/PlacementRules.h"
 #include "umsservice/ProfileInfo.h"
+#include "umsservice/SynchronizedObject.h"
 
 namespace umsservice {
 
@@ -28,6 +29,9 @@ struct UMS_EXPORT Environment {
   std::shared_ptr<OVMediaInfoFactory> mediaInfoFactory;    ///< null: no file has tags
   std::shared_ptr<ItemObserver> itemObserver;              ///< null: nobody listens
   std::shared_ptr<NotifierFactory> notifierFactory;        ///< null: the library makes its own notifiers
+  /// What stands for all services of a host at once: held while one of them looks through its cancelled
+  /// requests. Null: one that all services of the process share.
+  std::shared_ptr<SynchronizedObject> serviceClass;
 
   /// The reason of the exception that is being handled, where the host's language has exceptions that are no
   /// `std::exception`; absent for any other. Called inside a handler. Null: only `what()` is known.

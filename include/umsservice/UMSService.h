@@ -59,8 +59,9 @@ class UMS_EXPORT UMSService final : public OVFileService, public TransferCallbac
   /// 2 while the host marks a transfer; release and disconnect wait for it.
   int32_t fileTransferStatus();
   void setFileTransferStatus(int32_t status);
-  /// Held while a long operation runs. A host that holds it keeps long operations from starting; it gives the
-  /// section back before it lets go of the service, whose worker may be waiting for it.
+  /// Held while a long operation runs. A host that holds it keeps long operations from starting. Letting go
+  /// of the service inside it does not wait for a worker that stands before it: the worker then ends by
+  /// itself when the section is given back.
   SynchronizedObject& synchronizedSection();
 
   // ---------------------------------------------------------------- core: volumes and folders

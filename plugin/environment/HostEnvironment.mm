@@ -1,6 +1,9 @@
 #include "environment/HostEnvironment.h"
 
+#import <UMSServiceBundle/UMSService.h>
+
 #include "bridge/CallbackScope.h"
+#include "service/ObjectSection.h"
 
 namespace umsplugin {
 
@@ -14,6 +17,7 @@ umsservice::Environment hostEnvironment() {
     made->profileInfo = hostProfileInfo();
     made->mediaInfoFactory = hostMediaInfoFactory();
     made->notifierFactory = hostNotifierFactory();
+    made->serviceClass = std::make_shared<ObjectSection>([UMSService class]);
     made->exceptionReason = reasonOfHandledException;
     return made;
   }();

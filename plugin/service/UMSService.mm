@@ -41,6 +41,7 @@ using umsplugin::toText;
 
 - (void)dealloc {
   if (_parts) {
+    _parts->service.exitServiceThread();  // nothing new is begun that the next lines would have to wait for
     _parts->confirmDelegate->setDelegate(nil);
     _parts->section->forget();
   }

@@ -6,7 +6,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doUmsFileService:]";
+constexpr auto kDispatcherMethod = "-[UMSService doUmsFileService:]";
 
 class Dispatcher : public CoreTest {
  protected:
@@ -65,10 +65,10 @@ TEST_F(Dispatcher, TracesEachCommandUnderItsOwnNameAndLevel) {
   };
   for (const auto& row : kRows) {
     std::string message = std::string("UMSService = <service>, ") + row.name;
-    expectLine(surroundings, row.level, kMethod, message, [&] { run(of(row.command)); });
+    expectLine(surroundings, row.level, kDispatcherMethod, message, [&] { run(of(row.command)); });
     log.clear();
     run(of(row.command));
-    EXPECT_EQ(log.messages().front(), kMethod + (" " + message)) << "before anything else is said";
+    EXPECT_EQ(log.messages().front(), kDispatcherMethod + (" " + message)) << "before anything else is said";
   }
 }
 
@@ -215,7 +215,7 @@ TEST_F(Dispatcher, AFileThatCannotBeCreatedHasNoPlatformCode) {
     EXPECT_FALSE(run(of(kCommandCreateFile, path)));
     EXPECT_EQ(reports.lines().back(), result(0x20000001, 0));
   }
-  expectLine(surroundings, 3, kMethod, "CreateFile Fail!", [&] { run(of(kCommandCreateFile)); });
+  expectLine(surroundings, 3, kDispatcherMethod, "CreateFile Fail!", [&] { run(of(kCommandCreateFile)); });
 }
 
 TEST_F(Dispatcher, CreatesAFolderWithThoseAboveIt) {
@@ -231,7 +231,7 @@ TEST_F(Dispatcher, AFolderThatCannotBeCreatedReportsThePlatformsCode) {
   EXPECT_FALSE(run(of(kCommandCreateFolder, path)));
   EXPECT_EQ(reports.lines(), (Lines{result(0x20000002, 640)}));
   std::string error = errorText(ENOSPC, FileError::Action::Writing, "$/card/new");
-  expectLine(surroundings, 3, kMethod, "CreateFolder Fail. error = " + error,
+  expectLine(surroundings, 3, kDispatcherMethod, "CreateFolder Fail. error = " + error,
              [&] { run(of(kCommandCreateFolder, path)); });
   EXPECT_FALSE(run(of(kCommandCreateFolder)));
   EXPECT_EQ(reports.lines().back(), result(0x20000002, 512));
@@ -240,7 +240,7 @@ TEST_F(Dispatcher, AFolderThatCannotBeCreatedReportsThePlatformsCode) {
 TEST_F(Dispatcher, ReadingAsAQueuedCommandIsNotServed) {
   EXPECT_FALSE(run(of(kCommandReadFile, sandbox.file("a.txt", "a"))));
   EXPECT_EQ(reports.lines(), (Lines{result(0x11000004, 0)}));
-  expectLine(surroundings, 3, kMethod, "Read file is failed.", [&] { run(of(kCommandReadFile)); });
+  expectLine(surroundings, 3, kDispatcherMethod, "Read file is failed.", [&] { run(of(kCommandReadFile)); });
 }
 
 TEST_F(Dispatcher, RenamesAnItem) {
@@ -262,7 +262,7 @@ TEST_F(Dispatcher, ARenameThatFailsReportsThePlatformsCodeAndChangesNothing) {
   EXPECT_FALSE(run(of(kCommandRenameFile, missing, sandbox.at("new.txt"))));
   EXPECT_EQ(reports.lines().back(), result(0x20000004, 4));
   std::string error = errorText(ENOENT, FileError::Action::Writing, "$/missing.txt");
-  expectLine(surroundings, 3, kMethod, "Rename file is Failed. error = " + error,
+  expectLine(surroundings, 3, kDispatcherMethod, "Rename file is Failed. error = " + error,
              [&] { run(of(kCommandRenameFile, missing, sandbox.at("new.txt"))); });
   EXPECT_FALSE(run(of(kCommandRenameFile, from)));
   EXPECT_EQ(reports.lines().back(), result(0x20000004, 512));

@@ -5,7 +5,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doUmsFileService:]";
+constexpr auto kAnyMethod = "-[UMSService doUmsFileService:]";
 
 /// Counts how often it is asked.
 class CountingLevelSource final : public DebugLevelSource {
@@ -51,7 +51,7 @@ class Log : public ::testing::Test {
 
 TEST_F(Log, WritesFileMethodLineAndMessage) {
   umsservice::Log log(surroundings.environment);
-  log.write(6, kMethod, "Copy File : %@  to  %@", "/in/a.mp3", "/out/a.mp3");
+  log.write(6, kAnyMethod, "Copy File : %@  to  %@", "/in/a.mp3", "/out/a.mp3");
   ASSERT_EQ(lines.lines().size(), 1u);
   std::regex form(R"(\[LogTest\.cpp:-\[UMSService doUmsFileService:\]-\([0-9]+\)\] )"
                   R"(Copy File : /in/a\.mp3  to  /out/a\.mp3)");
@@ -64,7 +64,7 @@ TEST_F(Log, WritesAMessageWhenTheDebugLevelReachesItsOwn) {
     for (int debugLevel = -1; debugLevel <= 9; ++debugLevel) {
       lines.clear();
       surroundings.level->level = debugLevel;
-      log.write(level, kMethod, "ENTER");
+      log.write(level, kAnyMethod, "ENTER");
       EXPECT_EQ(lines.has("ENTER"), debugLevel >= level) << level << " at " << debugLevel;
     }
   }
@@ -73,19 +73,19 @@ TEST_F(Log, WritesAMessageWhenTheDebugLevelReachesItsOwn) {
 TEST_F(Log, WritesAlwaysOnMessagesAtEveryLevel) {
   umsservice::Log log(surroundings.environment);
   surroundings.level->level = -1;
-  log.always(kMethod, "Cancel Service ID Value is nil.");
-  EXPECT_EQ(lines.messages(), (Lines{std::string(kMethod) + " Cancel Service ID Value is nil."}));
+  log.always(kAnyMethod, "Cancel Service ID Value is nil.");
+  EXPECT_EQ(lines.messages(), (Lines{std::string(kAnyMethod) + " Cancel Service ID Value is nil."}));
 }
 
 TEST_F(Log, AsksForTheLevelAtEveryGatedStatementAndKeepsNoAnswer) {
   auto source = std::make_shared<CountingLevelSource>();
   surroundings.environment.debugLevelSource = source;
   umsservice::Log log(surroundings.environment);
-  log.write(6, kMethod, "ENTER");
-  log.write(7, kMethod, "ENTER");
-  log.write(1, kMethod, "EXIT");
+  log.write(6, kAnyMethod, "ENTER");
+  log.write(7, kAnyMethod, "ENTER");
+  log.write(1, kAnyMethod, "EXIT");
   EXPECT_EQ(source->asked, 3);
-  log.always(kMethod, "Cancel Service ID Value is nil.");
+  log.always(kAnyMethod, "Cancel Service ID Value is nil.");
   EXPECT_EQ(source->asked, 3);
 }
 
@@ -94,24 +94,24 @@ TEST_F(Log, DoesNotFormatAMessageThatItDoesNotWrite) {
   auto storage = std::make_shared<WatchedStorage>();
   Value watched{Dictionary(storage)};
   surroundings.level->level = 2;
-  log.write(3, kMethod, "Entry = %@", watched);
+  log.write(3, kAnyMethod, "Entry = %@", watched);
   EXPECT_EQ(storage->looks, 0);
   surroundings.level->level = 3;
-  log.write(3, kMethod, "Entry = %@", watched);
+  log.write(3, kAnyMethod, "Entry = %@", watched);
   EXPECT_EQ(storage->looks, 1);
 }
 
 TEST_F(Log, WritesNilAsTheHostDoes) {
   umsservice::Log log(surroundings.environment);
-  log.write(3, kMethod, "Input parameters is invalid. diskName = %@", MaybeString());
+  log.write(3, kAnyMethod, "Input parameters is invalid. diskName = %@", MaybeString());
   EXPECT_TRUE(lines.has("Input parameters is invalid. diskName = (null)"));
 }
 
 TEST_F(Log, WithoutAPropertyListWritesOnlyTheAlwaysOnMessages) {
   umsservice::Log log = logWithPropertyList();
-  for (int level : {1, 3, 5, 6, 7}) log.write(level, kMethod, "ENTER");
-  log.always(kMethod, "Cancel Service ID Value is nil.");
-  EXPECT_EQ(lines.messages(), (Lines{std::string(kMethod) + " Cancel Service ID Value is nil."}));
+  for (int level : {1, 3, 5, 6, 7}) log.write(level, kAnyMethod, "ENTER");
+  log.always(kAnyMethod, "Cancel Service ID Value is nil.");
+  EXPECT_EQ(lines.messages(), (Lines{std::string(kAnyMethod) + " Cancel Service ID Value is nil."}));
 }
 
 TEST_F(Log, ReadsTheLevelOfThePropertyListAsANumber) {
@@ -125,7 +125,7 @@ TEST_F(Log, ReadsTheLevelOfThePropertyListAsANumber) {
     setLevel(value);
     for (int level : {1, 3, 5, 6, 7}) {
       lines.clear();
-      log.write(level, kMethod, "ENTER");
+      log.write(level, kAnyMethod, "ENTER");
       EXPECT_EQ(lines.has("ENTER"), debugLevel >= level) << value << " and a message of level " << level;
     }
   }
@@ -134,23 +134,23 @@ TEST_F(Log, ReadsTheLevelOfThePropertyListAsANumber) {
 TEST_F(Log, TakesAPropertyListWithoutTheKeyOrWithoutSenseForLevelZero) {
   umsservice::Log log = logWithPropertyList();
   writePropertyList("<key>OTHER</key><integer>7</integer>");
-  log.write(1, kMethod, "ENTER");
+  log.write(1, kAnyMethod, "ENTER");
   surroundings.sandbox.file("DEBUG.plist", "this is no property list");
-  log.write(1, kMethod, "ENTER");
+  log.write(1, kAnyMethod, "ENTER");
   surroundings.sandbox.file("DEBUG.plist", "");
-  log.write(1, kMethod, "ENTER");
+  log.write(1, kAnyMethod, "ENTER");
   EXPECT_EQ(lines.lines(), Lines());
 }
 
 TEST_F(Log, ObeysAChangedPropertyListFromTheNextStatementOn) {
   umsservice::Log log = logWithPropertyList();
   setLevel("<integer>1</integer>");
-  log.write(6, kMethod, "first");
+  log.write(6, kAnyMethod, "first");
   setLevel("<integer>6</integer>");
-  log.write(6, kMethod, "second");
+  log.write(6, kAnyMethod, "second");
   setLevel("<integer>5</integer>");
-  log.write(6, kMethod, "third");
-  EXPECT_EQ(lines.messages(), (Lines{std::string(kMethod) + " second"}));
+  log.write(6, kAnyMethod, "third");
+  EXPECT_EQ(lines.messages(), (Lines{std::string(kAnyMethod) + " second"}));
 }
 
 }  // namespace

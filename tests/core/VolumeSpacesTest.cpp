@@ -3,7 +3,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService volumeFreeSpace:]";
+constexpr auto kFreeSpaceMethod = "-[UMSService volumeFreeSpace:]";
 
 using VolumeSpaces = CoreTest;
 
@@ -56,10 +56,10 @@ TEST_F(VolumeSpaces, AnUnreadableFileSystemIsZeroWithoutALine) {
 }
 
 TEST_F(VolumeSpaces, APathThatCannotNameAVolumeIsZeroAndSaidSo) {
-  expectLine(surroundings, 3, kMethod, "filePath is nil.",
+  expectLine(surroundings, 3, kFreeSpaceMethod, "filePath is nil.",
              [&] { EXPECT_EQ(context.spaces.volumeFreeSpace(std::nullopt), 0u); });
   for (const char* path : {"", "/", "a"}) {
-    expectLine(surroundings, 3, kMethod, "Get Volume Path is failed.",
+    expectLine(surroundings, 3, kFreeSpaceMethod, "Get Volume Path is failed.",
                [&] { EXPECT_EQ(context.spaces.volumeFreeSpace(path), 0u); });
   }
 }
@@ -81,11 +81,11 @@ TEST_F(VolumeSpacesOfAHost, APathElsewhereBelongsToTheRootFileSystem) {
 TEST_F(VolumeSpacesOfAHost, NamesTheVolumeAtLevelSix) {
   sandbox.folder("CARD");
   ServiceContext host = hostContext();
-  expectLine(surroundings, 6, kMethod, "Volume Name string = /Volumes/CARD/",
+  expectLine(surroundings, 6, kFreeSpaceMethod, "Volume Name string = /Volumes/CARD/",
              [&] { host.spaces.volumeFreeSpace("/Volumes/CARD/Music/a.mp3"); });
-  expectLine(surroundings, 6, kMethod, "Volume Name string = /volumes/CARD/",
+  expectLine(surroundings, 6, kFreeSpaceMethod, "Volume Name string = /volumes/CARD/",
              [&] { host.spaces.volumeFreeSpace("/volumes/CARD/Music/a.mp3"); });
-  expectLine(surroundings, 6, kMethod, "Volume Name string = //",
+  expectLine(surroundings, 6, kFreeSpaceMethod, "Volume Name string = //",
              [&] { host.spaces.volumeFreeSpace("/home/somebody/a.mp3"); });
 }
 

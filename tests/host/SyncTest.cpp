@@ -8,7 +8,7 @@ namespace {
 
 using Lines = std::vector<std::string>;
 
-constexpr uint64_t kMebi = 1 << 20;
+constexpr uint64_t kMebibyte = 1 << 20;
 
 class Sync : public HostTest {
  protected:
@@ -34,7 +34,7 @@ TEST_F(Sync, PutsEachFileIntoTheFolderOfItsKindInTheOrderGivenAndSaysWhere) {
 
 TEST_F(Sync, PutsWhatDoesNotFitIntoTheOtherVolumesOwnFolder) {
   REQUIRE_TMPFS_VOLUMES();
-  TmpfsVolume volume(phone, kMebi);
+  TmpfsVolume volume(phone, kMebibyte);
   std::string large = sandbox.patternFile("large.mp3", 2'000'000);
   std::string film = sandbox.patternFile("film.mp4", 3'000'000);
   Ended ended = umsctl(syncing({large, media("plain-hum.mp3"), film}));
@@ -65,7 +65,7 @@ TEST_F(Sync, BeginsWithTheCardWhenToldTo) {
 
 TEST_F(Sync, GoesOnWithFilesThatFitWhenAllVolumesAreTooFullForOne) {
   REQUIRE_TMPFS_VOLUMES();
-  TmpfsVolume internal(phone, kMebi), external(card, kMebi);
+  TmpfsVolume internal(phone, kMebibyte), external(card, kMebibyte);
   std::string large = sandbox.patternFile("large.mp3", 2'000'000);
   Ended ended = umsctl(syncing({large, media("plain-hum.mp3")}));
   EXPECT_EQ(ended.status, 1);
@@ -103,7 +103,7 @@ TEST_F(Sync, KeepsOrReplacesWhatIsThereAsThePolicySays) {
 
 TEST_F(Sync, KeepsWhatIsOnTheOtherVolumeToo) {
   REQUIRE_TMPFS_VOLUMES();
-  TmpfsVolume volume(phone, kMebi);
+  TmpfsVolume volume(phone, kMebibyte);
   std::string large = sandbox.patternFile("large.mp3", 2'000'000);
   std::string there = sandbox.file("card/Music/large.mp3", "old");
   Ended kept = umsctl(syncing({"--on-conflict", "skip", large}));
@@ -116,7 +116,7 @@ TEST_F(Sync, KeepsWhatIsOnTheOtherVolumeToo) {
 
 TEST_F(Sync, DoesNotGiveUpAnOldFileForOneThatDoesNotFitEvenThen) {
   REQUIRE_TMPFS_VOLUMES();
-  TmpfsVolume volume(phone, kMebi);
+  TmpfsVolume volume(phone, kMebibyte);
   std::string large = sandbox.patternFile("large.mp3", 2'000'000);
   std::string there = sandbox.file("phone/Music/large.mp3", "old");
   Ended ended = umsctl({"sync", "--internal", phone, "--on-conflict", "overwrite", large});
@@ -188,7 +188,7 @@ TEST_F(Sync, EndsCleanlyInTheMiddleOfTheListWithCtrlC) {
 
 TEST_F(Sync, LeavesNoHalfFileOnTheOtherVolumeWithCtrlC) {
   REQUIRE_TMPFS_VOLUMES();
-  TmpfsVolume volume(phone, kMebi);
+  TmpfsVolume volume(phone, kMebibyte);
   std::string film = hugeFile("film.mp4");
   if (film.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
   RunningProgram program(syncing({film}), {.atTerminal = true});

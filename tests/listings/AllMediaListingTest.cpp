@@ -5,7 +5,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService fileInformationListForAllMediaType:]";
+constexpr auto kAllMediaMethod = "-[UMSService fileInformationListForAllMediaType:]";
 
 /// The listing of every type on every volume.
 class AllMediaListing : public ListingsTest {
@@ -80,9 +80,9 @@ TEST_F(AllMediaListing, SaysWhichFilesHaveNoTags) {
   tags->answer = [](const std::string&) { return MaybeDictionary(); };
   auto again = [&] { EXPECT_EQ(groups().at(0), "0 1:"); };
   again();
-  EXPECT_EQ(linesOf(surroundings, kMethod), Lines(2, "Get Media File Tag Information is failed."));
+  EXPECT_EQ(linesOf(surroundings, kAllMediaMethod), Lines(2, "Get Media File Tag Information is failed."));
   std::filesystem::remove(internal + "/b.xml");
-  expectLine(surroundings, 3, kMethod, "Get Media File Tag Information is failed.", again);
+  expectLine(surroundings, 3, kAllMediaMethod, "Get Media File Tag Information is failed.", again);
 }
 
 TEST_F(AllMediaListing, GivesNilWithoutAVolume) {

@@ -6,7 +6,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService fileInformationList:extensionList:recursive:]";
+constexpr auto kExtensionMethod = "-[UMSService fileInformationList:extensionList:recursive:]";
 constexpr auto kFlatMethod = "-[UMSService fileInformationList:extensionList:]";
 
 /// Listings of any folder by extension.
@@ -103,8 +103,9 @@ TEST_F(ExtensionListing, SaysWhatItPassesOver) {
   put("any/noextension");
   put("any/.hidden.mp3");
   auto listing = [&] { direct(Array{"mp3"}); };
-  expectLine(surroundings, 1, kMethod, "File Extension is nil. Next path search", listing);
-  expectLine(surroundings, 7, kMethod, "$/any/.hidden.mp3 file in Hidden folder. Skip file", listing);
+  expectLine(surroundings, 1, kExtensionMethod, "File Extension is nil. Next path search", listing);
+  expectLine(surroundings, 7, kExtensionMethod, "$/any/.hidden.mp3 file in Hidden folder. Skip file",
+             listing);
   auto flatly = [&] { flat(Array{"mp3"}); };
   expectLine(surroundings, 1, kFlatMethod, "File Extension is nil. Next path search", flatly);
   expectLine(surroundings, 7, kFlatMethod, "$/any/.hidden.mp3 file in Hidden folder. Skip file", flatly);
@@ -113,17 +114,17 @@ TEST_F(ExtensionListing, SaysWhatItPassesOver) {
 TEST_F(ExtensionListing, SaysNothingOfFoldersWithoutAnExtension) {
   put("any/sub/a.mp3");
   EXPECT_EQ(deep(Array{"mp3"})->count(), 1u);
-  EXPECT_EQ(linesOf(surroundings, kMethod), Lines{});
+  EXPECT_EQ(linesOf(surroundings, kExtensionMethod), Lines{});
 }
 
 TEST_F(ExtensionListing, GivesNilWithoutExtensionsOrAFolder) {
   EXPECT_FALSE(service->fileInformationList(folder, std::nullopt, true));
   EXPECT_FALSE(service->fileInformationList(folder, std::nullopt));
-  EXPECT_EQ(linesOf(surroundings, kMethod), Lines{});
+  EXPECT_EQ(linesOf(surroundings, kExtensionMethod), Lines{});
   EXPECT_EQ(linesOf(surroundings, kFlatMethod), Lines{});
   for (const MaybeString& missing : {MaybeString(sandbox.at("missing")), MaybeString()}) {
     for (bool recursive : {true, false}) {
-      expectLine(surroundings, 1, kMethod, "Get UMS File list failed",
+      expectLine(surroundings, 1, kExtensionMethod, "Get UMS File list failed",
                  [&] { EXPECT_FALSE(service->fileInformationList(missing, Array{"mp3"}, recursive)); });
     }
     expectLine(surroundings, 1, kFlatMethod, "Get UMS File list failed",

@@ -4,7 +4,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService fileInformationList:mediaType:diskIndex:]";
+constexpr auto kPodcastListingMethod = "-[UMSService fileInformationList:mediaType:diskIndex:]";
 
 /// Index files as a test says.
 class FakePodcasts final : public PodcastSource {
@@ -64,7 +64,8 @@ TEST_F(PodcastListing, MayBeEmpty) {
 
 TEST_F(PodcastListing, GivesNilWhenTheFolderCannotBeListedAndSaysSo) {
   podcasts.succeeds = false;
-  expectLine(surroundings, 1, kMethod, "UmsPodcastXmlList is failed", [&] { EXPECT_FALSE(list()); });
+  expectLine(surroundings, 1, kPodcastListingMethod, "UmsPodcastXmlList is failed",
+             [&] { EXPECT_FALSE(list()); });
 }
 
 TEST_F(PodcastListing, GivesNilForAnUnknownVolume) {
@@ -75,13 +76,14 @@ TEST_F(PodcastListing, GivesNilForAnUnknownVolume) {
 TEST_F(PodcastListing, SaysWhatItPassesOver) {
   auto again = [&] { EXPECT_EQ(list()->count(), 0u); };
   podcasts.entries = Array{Null{}};
-  expectLine(surroundings, 1, kMethod, "Podcast File Path is nil. Next Podcast File search", again);
+  expectLine(surroundings, 1, kPodcastListingMethod, "Podcast File Path is nil. Next Podcast File search",
+             again);
   podcasts.entries = Array{"Channel"};
-  expectLine(surroundings, 3, kMethod, "This File is not Podcast File.", again);
+  expectLine(surroundings, 3, kPodcastListingMethod, "This File is not Podcast File.", again);
   podcasts.entries = Array{"Channel/episode.mp3"};
-  expectLine(surroundings, 3, kMethod, "This is not podcast XML file. File Path = @", again);
+  expectLine(surroundings, 3, kPodcastListingMethod, "This is not podcast XML file. File Path = @", again);
   podcasts.entries = Array{std::string("a\0b.xml", 7)};
-  expectLine(surroundings, 3, kMethod, "Consist of XML Path is failed.", again);
+  expectLine(surroundings, 3, kPodcastListingMethod, "Consist of XML Path is failed.", again);
   EXPECT_EQ(podcasts.askedPaths, Lines{});
 }
 

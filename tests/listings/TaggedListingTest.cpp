@@ -7,7 +7,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService fileInformationList:mediaType:diskIndex:]";
+constexpr auto kTaggedListingMethod = "-[UMSService fileInformationList:mediaType:diskIndex:]";
 
 /// The listing of one media type with tags.
 class TaggedListing : public ListingsTest {
@@ -59,16 +59,16 @@ TEST_F(TaggedListing, GivesNilForOtherTypesAndUnknownVolumes) {
   for (uint32_t mediaType : {0u, 5u, 6u, 0xffffffffu})
     EXPECT_EQ(listed(mediaType), Lines{"nil"}) << mediaType;
   for (uint32_t mediaType : {1u, 2u, 3u, 4u}) EXPECT_EQ(listed(mediaType, 2), Lines{"nil"}) << mediaType;
-  EXPECT_EQ(linesOf(surroundings, kMethod), Lines{});
+  EXPECT_EQ(linesOf(surroundings, kTaggedListingMethod), Lines{});
 }
 
 TEST_F(TaggedListing, SaysWhenAVolumeHasNoPath) {
   service->addDiskInformation(Dictionary{{key::kDiskType, 2}});
   for (uint32_t mediaType : {1u, 2u, 3u}) {
-    expectLine(surroundings, 1, kMethod, "Get UMS Music list failed",
+    expectLine(surroundings, 1, kTaggedListingMethod, "Get UMS Music list failed",
                [&] { EXPECT_EQ(listed(mediaType, 2), Lines{"nil"}); });
   }
-  expectLine(surroundings, 1, kMethod, "UmsPodcastXmlList is failed",
+  expectLine(surroundings, 1, kTaggedListingMethod, "UmsPodcastXmlList is failed",
              [&] { EXPECT_EQ(listed(kMediaPodcast, 2), Lines{"nil"}); });
 }
 

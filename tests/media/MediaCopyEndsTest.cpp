@@ -5,9 +5,6 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kToDevice = "-[UMSService doCopyMediaContentsForAnyMediaType:]";
-constexpr auto kToMac = "-[UMSService doCopyMediaContents:]";
-
 class MediaCopyEnds : public MediaRunTest {
  protected:
   /// Runs the action once, when the first item result is posted.

@@ -9,9 +9,6 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kToDevice = "-[UMSService doCopyMediaContentsForAnyMediaType:]";
-constexpr auto kToMac = "-[UMSService doCopyMediaContents:]";
-
 class MediaCopyFailure : public MediaRunTest {
  protected:
   std::string words(int number) { return std::generic_category().message(number); }

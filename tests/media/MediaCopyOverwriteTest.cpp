@@ -9,8 +9,6 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kToDevice = "-[UMSService doCopyMediaContentsForAnyMediaType:]";
-
 class MediaCopyOverwrite : public MediaRunTest {
  protected:
   MediaCopyOverwrite() {

@@ -6,6 +6,9 @@
 
 namespace umsservice::testing {
 
+inline constexpr auto kToDevice = "-[UMSService doCopyMediaContentsForAnyMediaType:]";
+inline constexpr auto kToMac = "-[UMSService doCopyMediaContents:]";
+
 /// Numbers with their kind ("7u" is unsigned 32-bit, "7i" signed, "7U" and "7I" 64-bit), texts in quotes.
 inline std::string described(const Value& value) {
   switch (value.kind()) {

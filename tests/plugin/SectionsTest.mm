@@ -50,6 +50,34 @@ TEST_F(Sections, OfAServiceIsHeldByItsLongOperations) {
   EXPECT_FALSE(overlapped);
 }
 
+TEST_F(Sections, OfTheClassKeepsEveryLookThroughCancelledRequestsOut) {
+  std::atomic<bool> isThrough = false;
+  std::thread other;
+  @synchronized([service class]) {
+    other = std::thread([&] {
+      [service cancelFileAction:5];
+      isThrough = true;
+    });
+    EXPECT_TRUE(eventually([&] { return [service isCancelServiceId:5]; }));
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    EXPECT_FALSE(isThrough);
+  }
+  other.join();
+  EXPECT_TRUE(isThrough);
+}
+
+TEST_F(Sections, OfAServiceMayHoldItsLastRelease) {
+  UMSService* last = takeOver(makeDevice());
+  const std::string copied = internal + "/Music/a.mp3";
+  @synchronized(last) {
+    ASSERT_TRUE([last copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:0]);
+    std::this_thread::sleep_for(std::chrono::milliseconds(30));
+    [last release];
+  }
+  std::this_thread::sleep_for(std::chrono::milliseconds(30));
+  EXPECT_FALSE(exists(copied)) << "nothing is copied for a service that has gone";
+}
+
 /// The last release waits for the worker, which must not wait for what this thread is in.
 TEST_F(Sections, OfARequestsArrayMayHoldTheLastRelease) {
   UMSService* last = takeOver(makeDevice());

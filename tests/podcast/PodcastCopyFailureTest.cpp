@@ -6,21 +6,21 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doCopyPodcastContents:]";
+constexpr auto kCopyMethod = "-[UMSService doCopyPodcastContents:]";
 
 using PodcastCopyFailure = PodcastTest;
 
 TEST_F(PodcastCopyFailure, RefusesARequestThatIsNotAboutPodcasts) {
   _serviceinfo record = request({channel("News", {episode("1.mp3")})});
   record.mediaType = kMediaMusic;
-  expectLine(surroundings, 3, kMethod, "Media Type is not podcast. Media Type = 1",
+  expectLine(surroundings, 3, kCopyMethod, "Media Type is not podcast. Media Type = 1",
              [&] { EXPECT_FALSE(service->doCopyPodcastContents(record)); });
   EXPECT_EQ(notifications.all().size(), 0u);
   EXPECT_EQ(treeOf(internal), Texts{});
 }
 
 TEST_F(PodcastCopyFailure, CountsANilChannelAsOneFailure) {
-  expectLine(surroundings, 1, kMethod, "Podcast data is nil. Next Podcast search", [&] {
+  expectLine(surroundings, 1, kCopyMethod, "Podcast data is nil. Next Podcast search", [&] {
     std::filesystem::remove_all(podcasts);
     notifications.clear();
     copy({Null(), channel("News", {episode("1.mp3")})});
@@ -32,7 +32,7 @@ TEST_F(PodcastCopyFailure, CountsANilChannelAsOneFailure) {
 }
 
 TEST_F(PodcastCopyFailure, PassesOverAChannelWithoutEpisodes) {
-  expectLine(surroundings, 3, kMethod, "Podcast Episode is NULL", [&] {
+  expectLine(surroundings, 3, kCopyMethod, "Podcast Episode is NULL", [&] {
     EXPECT_FALSE(copy({Dictionary{{"Title", "News"}}}));
   });
   EXPECT_EQ(story(surroundings), Lines{});
@@ -42,7 +42,7 @@ TEST_F(PodcastCopyFailure, PassesOverAChannelWithoutEpisodes) {
 
 TEST_F(PodcastCopyFailure, CountsEveryEpisodeOfAChannelWhoseFolderCannotBeMade) {
   sandbox.file("internal/Podcast/News", "a file");
-  expectLine(surroundings, 1, kMethod, "Create Folder for News is failed", [&] {
+  expectLine(surroundings, 1, kCopyMethod, "Create Folder for News is failed", [&] {
     notifications.clear();
     EXPECT_TRUE(
         copy({channel("News", {episode("1.mp3"), episode("2.mp3")}), channel("Arts", {episode("3.mp3")})}));
@@ -64,7 +64,7 @@ TEST_F(PodcastCopyFailure, CountsWhatIsNoEpisodeAndGoesOn) {
       {nameless, "Target Episode Path is nil. Next episode processing."},
   };
   for (const auto& [bad, message] : kRows) {
-    expectLine(surroundings, 1, kMethod, message, [&, bad = bad] {
+    expectLine(surroundings, 1, kCopyMethod, message, [&, bad = bad] {
       std::filesystem::remove_all(podcasts);
       EXPECT_TRUE(copy({channel("News", {bad, episode("1.mp3")})}));
     });
@@ -75,8 +75,8 @@ TEST_F(PodcastCopyFailure, CountsWhatIsNoEpisodeAndGoesOn) {
 }
 
 TEST_F(PodcastCopyFailure, SaysWhichEpisodeFailedAndLeavesItOutOfTheIndex) {
-  expectLine(surroundings, 1, kMethod, "Podcast Download $/in/1.mp3 to $/internal/Podcast/News/1.mp3 failed.",
-             [&] {
+  expectLine(surroundings, 1, kCopyMethod,
+             "Podcast Download $/in/1.mp3 to $/internal/Podcast/News/1.mp3 failed.", [&] {
                std::filesystem::remove_all(podcasts);
                notifications.clear();
                EXPECT_TRUE(copy({channel("News", {missing("1.mp3"), episode("2.mp3")})}));
@@ -131,7 +131,7 @@ TEST_F(PodcastCopyFailure, WritesTheIndexOfWhatWasCopiedWhenCancelledBetweenEpis
   EXPECT_EQ(treeOf(podcasts), (Texts{"News/", "News/1.mp3", "News/News.xml"}));
   EXPECT_EQ(listed("News"), Texts{"1.mp3"});
   EXPECT_EQ(numbers(progress(), key::kTransferStatus), (std::vector<uint32_t>{2, 3, 3}));
-  EXPECT_EQ(linesOf(surroundings, kMethod),
+  EXPECT_EQ(linesOf(surroundings, kCopyMethod),
             (Lines{"Cancel Podcast Processing.", "Cancel Podcast Processing."}));
   EXPECT_EQ(outcomes(),
             (Texts{"0 done $/in/1.mp3 0x00000000", "1 not reached $/in/2.mp3 0x10000008",
@@ -186,7 +186,7 @@ TEST_F(PodcastCopyFailure, LeavesTheOldIndexWhenTheServiceIsReleasedBetweenEpiso
       copy({channel("News", {episode("2.mp3"), episode("3.mp3")}), channel("Arts", {episode("4.mp3")})}));
   EXPECT_EQ(listed("News"), Texts{"1.mp3"});
   EXPECT_EQ(treeOf(podcasts), (Texts{"News/", "News/1.mp3", "News/2.mp3", "News/News.xml"}));
-  EXPECT_EQ(linesOf(surroundings, kMethod),
+  EXPECT_EQ(linesOf(surroundings, kCopyMethod),
             (Lines{"Device Disconnected - location-1", "Podcast XML Data send is failed.",
                    "Device Disconnected - location-1"}));
   EXPECT_EQ(numbers(progress(), key::kTransferStatus).back(), 3u);
@@ -194,7 +194,7 @@ TEST_F(PodcastCopyFailure, LeavesTheOldIndexWhenTheServiceIsReleasedBetweenEpiso
 
 TEST_F(PodcastCopyFailure, SaysAtItsLevelThatTheDeviceIsGone) {
   service->disconnectDevice("location-1");
-  expectLine(surroundings, 5, kMethod, "Device Disconnected - location-1",
+  expectLine(surroundings, 5, kCopyMethod, "Device Disconnected - location-1",
              [&] { EXPECT_FALSE(copy({channel("News", {episode("1.mp3")})})); });
   EXPECT_EQ(treeOf(internal), Texts{});
 }
@@ -212,7 +212,7 @@ TEST_F(PodcastCopyFailure, KeepsTheOldIndexWhenTheNewOneCannotBeWritten) {
     EXPECT_EQ(bytesOf(podcasts + "/News/News.xml"), before);
     EXPECT_EQ(treeOf(podcasts), (Texts{"News/", "News/1.mp3", "News/News.xml"}));
   }
-  expectLine(surroundings, 3, kMethod, "Podcast XML Data send is failed.",
+  expectLine(surroundings, 3, kCopyMethod, "Podcast XML Data send is failed.",
              [&] { EXPECT_FALSE(copy({channel("News", {})})); });
   expectLine(surroundings, 1, "-[UMSService sendXmlData:xmlDocument:filePath:podcastName:]",
              "XML File Create is failed. XML File Path = $/internal/Podcast/News",

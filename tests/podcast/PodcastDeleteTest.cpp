@@ -6,7 +6,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doDeletePodcastContents:]";
+constexpr auto kDeleteMethod = "-[UMSService doDeletePodcastContents:]";
 
 class PodcastDelete : public PodcastTest {
  protected:
@@ -122,7 +122,7 @@ TEST_F(PodcastDelete, RefusesOtherMediaWithoutAWord) {
   _serviceinfo record = request({channel("News", {onDevice("1.mp3")})});
   record.mediaType = kMediaMusic;
   EXPECT_FALSE(service->doDeletePodcastContents(record));
-  EXPECT_EQ(linesOf(surroundings, kMethod), Lines{});
+  EXPECT_EQ(linesOf(surroundings, kDeleteMethod), Lines{});
   EXPECT_EQ(notifications.all().size(), 0u);
 }
 
@@ -139,12 +139,14 @@ TEST_F(PodcastDelete, RunsFromTheQueueInThePodcastFolderOfTheFirstVolume) {
 TEST_F(PodcastDelete, CountsWhatIsNoChannelAndNoEpisode) {
   putThreeEpisodes();
   Dictionary pathless{{"Url", "http://host/1.mp3"}};
-  expectLine(surroundings, 1, kMethod, "Podcast data is nil. Next Podcast search", [&] { remove({Null()}); });
-  expectLine(surroundings, 3, kMethod, "Podcast Episode is NULL", [&] {
+  expectLine(surroundings, 1, kDeleteMethod, "Podcast data is nil. Next Podcast search",
+             [&] { remove({Null()}); });
+  expectLine(surroundings, 3, kDeleteMethod, "Podcast Episode is NULL", [&] {
     remove({Dictionary{{"Title", "News"}}});
   });
-  expectLine(surroundings, 1, kMethod, "Episode Data is nil.", [&] { remove({channel("News", {Null()})}); });
-  expectLine(surroundings, 1, kMethod, "Episode Medias File Path is nil.",
+  expectLine(surroundings, 1, kDeleteMethod, "Episode Data is nil.",
+             [&] { remove({channel("News", {Null()})}); });
+  expectLine(surroundings, 1, kDeleteMethod, "Episode Medias File Path is nil.",
              [&] { remove({channel("News", {pathless})}); });
   for (const ItemOutcome& outcome : items.outcomes()) {
     if (outcome.kind == ItemOutcome::Kind::Failed) EXPECT_EQ(outcome.errorNumber, kErrorBadDeleteItem);
@@ -259,7 +261,7 @@ TEST_F(PodcastDelete, CountsTheChannelAsGoneWhateverTheDeleteOfItsFolderSays) {
 TEST_F(PodcastDelete, SaysWhenTheIndexCannotBeWritten) {
   putThreeEpisodes();
   files.failAlways(FileCall::Replace, "News.xml", EIO);
-  expectLine(surroundings, 3, kMethod, "Podcast XML Data send is failed.",
+  expectLine(surroundings, 3, kDeleteMethod, "Podcast XML Data send is failed.",
              [&] { EXPECT_FALSE(remove({channel("News", {onDevice("1.mp3")})})); });
   EXPECT_EQ(listed("News").size(), 3u);
 }
@@ -270,7 +272,7 @@ TEST_F(PodcastDelete, WritesTheIndexOfWhatIsLeftWhenCancelledBetweenEpisodes) {
   EXPECT_TRUE(
       remove({channel("News", {onDevice("1.mp3"), onDevice("2.mp3")}), whole("Arts", {onDevice("4.mp3")})}));
   EXPECT_EQ(listed("News"), (Texts{"2.mp3", "3.mp3"}));
-  EXPECT_EQ(linesOf(surroundings, kMethod),
+  EXPECT_EQ(linesOf(surroundings, kDeleteMethod),
             (Lines{"Cancel Podcast Processing.", "Cancel Podcast Processing."}));
   EXPECT_FALSE(service->isCancelServiceId(7));
   EXPECT_EQ(newOutcomes().back(), "2 not reached $/internal/Podcast/News/4.mp3 0x10000008");
@@ -283,7 +285,7 @@ TEST_F(PodcastDelete, StopsWhenTheServiceIsReleased) {
       remove({channel("News", {onDevice("1.mp3"), onDevice("2.mp3")}), whole("News", {onDevice("3.mp3")})}));
   EXPECT_EQ(treeOf(podcasts), (Texts{"News/", "News/2.mp3", "News/3.mp3", "News/News.xml"}));
   EXPECT_EQ(listed("News").size(), 3u);
-  EXPECT_EQ(linesOf(surroundings, kMethod),
+  EXPECT_EQ(linesOf(surroundings, kDeleteMethod),
             (Lines{"Device Disconnected - location-1", "Podcast XML Data send is failed.",
                    "Device Disconnected - location-1"}));
 }

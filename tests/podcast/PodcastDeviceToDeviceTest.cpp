@@ -7,7 +7,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doDeviceToDevicePodcast:]";
+constexpr auto kDeviceToDeviceMethod = "-[UMSService doDeviceToDevicePodcast:]";
 
 /// Answers writes as a test says, and keeps what it was asked to do.
 class ScriptedPeer final : public OVFileService {
@@ -144,21 +144,23 @@ TEST_F(PodcastDeviceToDevice, RefusesWithoutAWordWhenThereIsNoOtherDevice) {
 TEST_F(PodcastDeviceToDevice, RefusesOtherMedia) {
   _serviceinfo record = request({channel("News", {onDevice("1.mp3")})});
   record.mediaType = kMediaImage;
-  expectLine(surroundings, 3, kMethod, "Media Type is not podcast. Media Type = 2",
+  expectLine(surroundings, 3, kDeviceToDeviceMethod, "Media Type is not podcast. Media Type = 2",
              [&] { EXPECT_FALSE(service->doDeviceToDevicePodcast(record)); });
 }
 
 TEST_F(PodcastDeviceToDevice, CountsWhatIsNoChannelAndNoEpisode) {
   Dictionary pathless{{"Url", "u"}};
   Dictionary nameless{{"Url", "u"}, {key::kFilePath, "/"}};
-  expectLine(surroundings, 1, kMethod, "Podcast data is nil. Next Podcast search", [&] { send({Null()}); });
-  expectLine(surroundings, 3, kMethod, "Podcast Episode is NULL", [&] {
+  expectLine(surroundings, 1, kDeviceToDeviceMethod, "Podcast data is nil. Next Podcast search",
+             [&] { send({Null()}); });
+  expectLine(surroundings, 3, kDeviceToDeviceMethod, "Podcast Episode is NULL", [&] {
     send({Dictionary{{"Title", "News"}}});
   });
-  expectLine(surroundings, 1, kMethod, "Episode Data is nil.", [&] { send({channel("News", {Null()})}); });
-  expectLine(surroundings, 1, kMethod, "Episode Medias File Path is nil.",
+  expectLine(surroundings, 1, kDeviceToDeviceMethod, "Episode Data is nil.",
+             [&] { send({channel("News", {Null()})}); });
+  expectLine(surroundings, 1, kDeviceToDeviceMethod, "Episode Medias File Path is nil.",
              [&] { send({channel("News", {pathless})}); });
-  expectLine(surroundings, 1, kMethod, "Target Episode Path is nil. Next episode processing.",
+  expectLine(surroundings, 1, kDeviceToDeviceMethod, "Target Episode Path is nil. Next episode processing.",
              [&] { send({channel("News", {nameless})}); });
   for (const ItemOutcome& outcome : items.outcomes()) EXPECT_EQ(outcome.errorNumber, kErrorBadCopyItem);
   EXPECT_EQ(items.outcomes().size(), 8u);
@@ -166,7 +168,7 @@ TEST_F(PodcastDeviceToDevice, CountsWhatIsNoChannelAndNoEpisode) {
   for (const char* title : {"", ".", "..", "http://"}) {
     log.clear();
     EXPECT_TRUE(send({channel(title, {onDevice("1.mp3")})}));
-    EXPECT_EQ(linesOf(surroundings, kMethod), Lines{});
+    EXPECT_EQ(linesOf(surroundings, kDeviceToDeviceMethod), Lines{});
     EXPECT_EQ(treeOf(peerDisk), before);
     EXPECT_EQ(items.outcomes().back().errorNumber, kErrorBadCopyItem);
   }
@@ -174,7 +176,7 @@ TEST_F(PodcastDeviceToDevice, CountsWhatIsNoChannelAndNoEpisode) {
 
 TEST_F(PodcastDeviceToDevice, CountsEveryEpisodeWhenTheOtherDeviceCannotMakeTheFolder) {
   useScriptedPeer()->makesFolders = false;
-  expectLine(surroundings, 1, kMethod, "Create Folder for News is failed", [&] {
+  expectLine(surroundings, 1, kDeviceToDeviceMethod, "Create Folder for News is failed", [&] {
     EXPECT_FALSE(send({channel("News", {onDevice("1.mp3"), onDevice("2.mp3")})}));
   });
   EXPECT_EQ(lastFailCount(), 2u);
@@ -201,7 +203,7 @@ TEST_F(PodcastDeviceToDevice, FailsAnEpisodeWithTheNumberOfTheOtherDevice) {
     return n != 2;
   };
   expectLine(
-      surroundings, 1, kMethod,
+      surroundings, 1, kDeviceToDeviceMethod,
       "Podcast Download $/internal/Podcast/News/1.mp3 to $/peer/Podcast/News/1.mp3 failed.", [&] {
         other->answer = [n = 0](uint32_t& error) mutable {
           if (++n == 1) error = kErrorOpenFailed;
@@ -303,7 +305,7 @@ TEST_F(PodcastDeviceToDevice, StopsForACancelAndAnswersIt) {
   once(kMediaResultNotification, [&] { service->cancelFileAction(7); });
   send({channel("News", {onDevice("1.mp3"), onDevice("2.mp3")})});
   EXPECT_EQ(fieldOf(peerIndex("News"), "FilePath"), Texts{"1.mp3"});
-  EXPECT_EQ(linesOf(surroundings, kMethod), Lines{"Cancel Podcast Processing."});
+  EXPECT_EQ(linesOf(surroundings, kDeviceToDeviceMethod), Lines{"Cancel Podcast Processing."});
   EXPECT_FALSE(service->isCancelServiceId(7));
 }
 
@@ -311,7 +313,7 @@ TEST_F(PodcastDeviceToDevice, StopsWhenThisServiceIsReleased) {
   once(kMediaResultNotification, [&] { service->disconnectDevice("location-1"); });
   EXPECT_FALSE(send({channel("News", {onDevice("1.mp3"), onDevice("2.mp3")})}));
   EXPECT_EQ(treeOf(peerDisk + "/Podcast"), (Texts{"News/", "News/1.mp3"}));
-  EXPECT_EQ(linesOf(surroundings, kMethod),
+  EXPECT_EQ(linesOf(surroundings, kDeviceToDeviceMethod),
             (Lines{"Device Disconnected - location-1", "Podcast XML Data send is failed."}));
 }
 

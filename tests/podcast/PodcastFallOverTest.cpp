@@ -8,7 +8,8 @@ namespace umsservice::testing {
 namespace {
 
 constexpr auto kSync = "-[UMSService doSyncPodcastContents:]";
-constexpr auto kMethod = "-[UMSService syncUmsPodcastFile:index:mediaType:podcastInfo:xmlConverter:context:]";
+constexpr auto kFallOverMethod =
+    "-[UMSService syncUmsPodcastFile:index:mediaType:podcastInfo:xmlConverter:context:]";
 
 /// A device whose internal memory is too small for what is synced.
 class PodcastFallOver : public PodcastTest {
@@ -93,7 +94,7 @@ TEST_F(PodcastFallOver, SendsTheResultOfAFullVolumeOnceInARun) {
 TEST_F(PodcastFallOver, TellsOfEachEpisodeOnceWhenTwoVolumesAreTried) {
   addThirdVolume();
   files.failAlways(FileCall::Replace, "card/Podcast/News/News.xml", EIO);
-  expectLine(surroundings, 3, kMethod, "Podcast XML Data send is failed.", [&] {
+  expectLine(surroundings, 3, kFallOverMethod, "Podcast XML Data send is failed.", [&] {
     std::filesystem::remove_all(card + "/Podcast");
     std::filesystem::remove_all(third + "/Podcast");
     EXPECT_TRUE(sync({channel("News", {large("1.mp3")})}));
@@ -112,7 +113,7 @@ TEST_F(PodcastFallOver, UsesThePathsOfEpisodesAsTheyAreGiven) {
 TEST_F(PodcastFallOver, CountsWhatIsNoEpisodeWithoutAResultNumber) {
   Dictionary pathless{{"Url", "http://host/x"}, {"Length", 0}};
   EXPECT_TRUE(sync({channel("News", {Null(), pathless, large("1.mp3")})}));
-  EXPECT_EQ(linesOf(surroundings, kMethod),
+  EXPECT_EQ(linesOf(surroundings, kFallOverMethod),
             (Lines{"Episode Data is nil.", "Episode Medias File Path is nil."}));
   EXPECT_EQ(lastFailCount(), 2u);
   EXPECT_EQ(numbers(results(), key::kResultStatus), (std::vector<uint32_t>{kItemTransferred}));
@@ -141,7 +142,7 @@ TEST_F(PodcastFallOver, AsksBeforeItReplacesAFileOnTheOtherVolume) {
 
 TEST_F(PodcastFallOver, CountsEveryEpisodeWhenTheFolderCannotBeMade) {
   sandbox.file("card/Podcast", "a file");
-  expectLine(surroundings, 1, kMethod, "Create Folder for News is failed", [&] {
+  expectLine(surroundings, 1, kFallOverMethod, "Create Folder for News is failed", [&] {
     EXPECT_FALSE(sync({channel("News", {large("1.mp3"), episode("2.mp3")})}));
   });
   EXPECT_EQ(lastFailCount(), 2u);
@@ -154,7 +155,7 @@ TEST_F(PodcastFallOver, StopsForACancelBetweenEpisodes) {
   sync({channel("News", {episode("1.mp3"), large("2.mp3")}), channel("Arts", {episode("3.mp3")})});
   EXPECT_EQ(fieldOf(service->checkXmlData(card + "/Podcast/News", "News"), "FilePath"), Texts{"1.mp3"});
   EXPECT_EQ(treeOf(third), Texts{});
-  EXPECT_EQ(linesOf(surroundings, kMethod), Lines{"Cancel Podcast Processing."});
+  EXPECT_EQ(linesOf(surroundings, kFallOverMethod), Lines{"Cancel Podcast Processing."});
   EXPECT_EQ(linesOf(surroundings, kSync).back(), "Cancel Podcast Processing.");
   EXPECT_FALSE(service->isCancelServiceId(7));
   EXPECT_EQ(outcomes(), (Texts{"0 done $/in/1.mp3 0x00000000", "1 not reached $/in/2.mp3 0x10000008",
@@ -191,7 +192,7 @@ TEST_F(PodcastFallOver, PassesOverAVolumeWithoutAPath) {
   service->removeDiskInformation(service->diskInfoFromIndex(1));
   service->addDiskInformation(Dictionary{{key::kDiskType, 2}});
   service->addDiskInformation(disk(2, third));
-  expectLine(surroundings, 3, kMethod, "Get Volume Path is failed.", [&] {
+  expectLine(surroundings, 3, kFallOverMethod, "Get Volume Path is failed.", [&] {
     std::filesystem::remove_all(third + "/Podcast");
     EXPECT_TRUE(sync({channel("News", {large("1.mp3")})}));
   });
@@ -215,9 +216,9 @@ class PodcastFallOverAlone : public PodcastTest {
 
 TEST_F(PodcastFallOverAlone, RefusesANilChannelAndAVolumeThatIsNotThere) {
   context.volumes.addDiskInformation(disk(1, internal));
-  expectLine(surroundings, 1, kMethod, "Input Parameter is invalid.",
+  expectLine(surroundings, 1, kFallOverMethod, "Input Parameter is invalid.",
              [&] { EXPECT_EQ(place(Null(), 0), kErrorInvalidInput); });
-  expectLine(surroundings, 1, kMethod,
+  expectLine(surroundings, 1, kFallOverMethod,
              "Input Parameter is invalid. Volume is not support. volumeIndex = 1, disk count = 1",
              [&] { EXPECT_EQ(place(channel("News", {}), 1), kErrorInvalidInput); });
 }
@@ -225,7 +226,7 @@ TEST_F(PodcastFallOverAlone, RefusesANilChannelAndAVolumeThatIsNotThere) {
 TEST_F(PodcastFallOverAlone, PassesOverAChannelWithoutEpisodes) {
   context.volumes.addDiskInformation(disk(1, internal));
   context.volumes.addDiskInformation(disk(2, card));
-  expectLine(surroundings, 3, kMethod, "Podcast Episode is NULL", [&] {
+  expectLine(surroundings, 3, kFallOverMethod, "Podcast Episode is NULL", [&] {
     EXPECT_EQ(place(Dictionary{{"Title", "News"}}, 0), kErrorNone);
   });
 }

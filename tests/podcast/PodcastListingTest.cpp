@@ -6,7 +6,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService umsPodcastXmlData:]";
+constexpr auto kListingMethod = "-[UMSService umsPodcastXmlData:]";
 
 class PodcastListing : public PodcastTest {
  protected:
@@ -182,9 +182,9 @@ TEST_F(PodcastListing, WritesNothingOnceTheServiceIsReleased) {
 }
 
 TEST_F(PodcastListing, SaysWhatIsWrong) {
-  expectLine(surroundings, 3, kMethod, "File Path is invalid.",
+  expectLine(surroundings, 3, kListingMethod, "File Path is invalid.",
              [&] { EXPECT_FALSE(service->umsPodcastXmlData(std::nullopt)); });
-  expectLine(surroundings, 3, kMethod,
+  expectLine(surroundings, 3, kListingMethod,
              "Open File Handle is failed. File Path = $/internal/Podcast/News/News.xml",
              [&] { EXPECT_FALSE(read()); });
   EXPECT_EQ(treeOf(internal), Texts{});
@@ -195,7 +195,7 @@ TEST_F(PodcastListing, ReturnsAnIndexAsItIsThatWouldBeTooLongOnceWritten) {
   std::string title(size_t{9} << 20, '>');
   sandbox.file("internal/Podcast/News/News.xml", "<channel><Title>" + title + "</Title></channel>");
   const std::string before = bytesOf(index);
-  expectLine(surroundings, 3, kMethod, "Podcast Convert XML Data to Documents is fail.",
+  expectLine(surroundings, 3, kListingMethod, "Podcast Convert XML Data to Documents is fail.",
              [&] { EXPECT_EQ(read()->string("Title"), title); });
   EXPECT_EQ(bytesOf(index), before);
 }

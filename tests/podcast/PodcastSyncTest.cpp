@@ -7,7 +7,7 @@
 namespace umsservice::testing {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doSyncPodcastContents:]";
+constexpr auto kSyncMethod = "-[UMSService doSyncPodcastContents:]";
 
 class PodcastSync : public PodcastTest {
  protected:
@@ -159,7 +159,7 @@ TEST_F(PodcastSync, CountsWhatIsNoEpisodeAndGoesOn) {
       {nameless, "Target Episode Path is nil. Next episode processing.", kErrorBadSyncItem},
   };
   for (const auto& [bad, message, result] : kRows) {
-    expectLine(surroundings, 1, kMethod, message, [&, bad = bad] {
+    expectLine(surroundings, 1, kSyncMethod, message, [&, bad = bad] {
       std::filesystem::remove_all(podcasts);
       EXPECT_TRUE(sync({channel("News", {episode("1.mp3"), bad})}));
     });
@@ -170,16 +170,16 @@ TEST_F(PodcastSync, CountsWhatIsNoEpisodeAndGoesOn) {
 }
 
 TEST_F(PodcastSync, CountsChannelsThatAreNoneOrHaveNoName) {
-  expectLine(surroundings, 1, kMethod, "Podcast data is nil. Next Podcast search", [&] {
+  expectLine(surroundings, 1, kSyncMethod, "Podcast data is nil. Next Podcast search", [&] {
     sync({Null(), channel("News", {})});
   });
   EXPECT_EQ(outcomes()[0], "0 failed (nil) 0x23000004");
-  expectLine(surroundings, 3, kMethod, "Podcast Episode is NULL", [&] {
+  expectLine(surroundings, 3, kSyncMethod, "Podcast Episode is NULL", [&] {
     sync({Dictionary{{"Title", "A"}}});
   });
   const Texts before = treeOf(internal);
   for (const char* title : {"", ".", "..", "http://"}) {
-    expectLine(surroundings, 3, kMethod, "Consist of Podcast Default Path is failed.",
+    expectLine(surroundings, 3, kSyncMethod, "Consist of Podcast Default Path is failed.",
                [&] { EXPECT_FALSE(sync({channel(title, {episode("1.mp3")})})); });
     EXPECT_EQ(items.outcomes().back().errorNumber, kErrorBadSyncItem);
     EXPECT_EQ(treeOf(internal), before);
@@ -235,11 +235,11 @@ TEST_F(PodcastSync, TakesALengthLargerThanTheVolumeForAChannelThatDoesNotFit) {
 TEST_F(PodcastSync, RefusesOtherMediaAndADeviceWithoutThatVolume) {
   _serviceinfo record = request({channel("News", {episode("1.mp3")})});
   record.mediaType = kMediaVideo;
-  expectLine(surroundings, 3, kMethod, "Media Type is not podcast. Media Type = 3",
+  expectLine(surroundings, 3, kSyncMethod, "Media Type is not podcast. Media Type = 3",
              [&] { EXPECT_FALSE(service->doSyncPodcastContents(record)); });
   service = surroundings.makeService();
   service->addDiskInformation(disk(2, card));
-  expectLine(surroundings, 3, kMethod, "Get Storage Path is failed.",
+  expectLine(surroundings, 3, kSyncMethod, "Get Storage Path is failed.",
              [&] { EXPECT_FALSE(sync({channel("News", {episode("1.mp3")})})); });
   EXPECT_EQ(notifications.all().size(), 0u);
   EXPECT_EQ(outcomes()[0], "0 failed $/in/1.mp3 0x10000002");
@@ -247,7 +247,7 @@ TEST_F(PodcastSync, RefusesOtherMediaAndADeviceWithoutThatVolume) {
 
 TEST_F(PodcastSync, CountsEveryEpisodeOfAChannelWhoseFolderCannotBeMade) {
   sandbox.file("internal/Podcast/News", "a file");
-  expectLine(surroundings, 1, kMethod, "Create Folder for News is failed", [&] {
+  expectLine(surroundings, 1, kSyncMethod, "Create Folder for News is failed", [&] {
     EXPECT_FALSE(sync({channel("News", {episode("1.mp3"), episode("2.mp3")})}));
   });
   EXPECT_EQ(lastFailCount(), 2u);
@@ -258,7 +258,7 @@ TEST_F(PodcastSync, StopsForACancelAndAnswersIt) {
   sync({channel("News", {episode("1.mp3"), episode("2.mp3")}), channel("Arts", {episode("3.mp3")})});
   EXPECT_EQ(listed("News"), Texts{"1.mp3"});
   EXPECT_FALSE(exists(podcasts + "/Arts"));
-  EXPECT_EQ(linesOf(surroundings, kMethod),
+  EXPECT_EQ(linesOf(surroundings, kSyncMethod),
             (Lines{"Cancel Podcast Processing.", "Cancel Podcast Processing."}));
   EXPECT_FALSE(service->isCancelServiceId(7));
   EXPECT_EQ(outcomes(), (Texts{"0 done $/in/1.mp3 0x00000000", "1 not reached $/in/2.mp3 0x10000008",
@@ -270,7 +270,7 @@ TEST_F(PodcastSync, StopsWhenTheServiceIsReleased) {
   EXPECT_FALSE(
       sync({channel("News", {episode("1.mp3"), episode("2.mp3")}), channel("Arts", {episode("3.mp3")})}));
   EXPECT_EQ(treeOf(podcasts), (Texts{"News/", "News/1.mp3"}));
-  EXPECT_EQ(linesOf(surroundings, kMethod),
+  EXPECT_EQ(linesOf(surroundings, kSyncMethod),
             (Lines{"Device Disconnected - location-1", "Podcast XML Data send is failed.",
                    "Device Disconnected - location-1"}));
 }

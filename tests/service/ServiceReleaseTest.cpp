@@ -74,6 +74,21 @@ TEST_F(ServiceRelease, InsideTheAnnouncementOfACancellationOnTheHostsThread) {
   expectFirstReportOnly();
 }
 
+TEST_F(ServiceRelease, InsideTheSectionLeavesAWorkerThatStandsBeforeItToItself) {
+  const std::shared_ptr<SynchronizedObject> section = makeSynchronizedObject();
+  service = std::make_shared<UMSService>(surroundings.environment, section);
+  service->addDiskInformation(disk(1, internal));
+  {
+    std::lock_guard<SynchronizedObject> held(*section);
+    ASSERT_TRUE(queueShort(1, "1.mp3"));
+    ASSERT_TRUE(waitForDispatchedCopy());
+    service.reset();
+    EXPECT_EQ(log.count("umsFileServiceQueueThread Exit!"), 1u) << "that of the fixture's first service";
+  }
+  ASSERT_TRUE(waitForWorkersEnd(2));
+  EXPECT_EQ(treeOf(internal), Lines()) << "nothing is copied for a service that has gone";
+}
+
 TEST_F(ServiceRelease, InsideARequestThatTheHostRunsItselfWhileTheWorkerWaitsForTheSection) {
   onFirstProgress([this] {
     EXPECT_TRUE(service->deleteContents(2, shortContents(), kMediaMusic, 0));

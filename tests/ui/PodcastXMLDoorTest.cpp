@@ -8,7 +8,7 @@ namespace {
 class PodcastXMLDoor : public ::testing::Test {
  protected:
   TestSurroundings surroundings;
-  const PodcastXMLConverter converter{surroundings.environment};
+  const umsservice::PodcastXMLConverter converter{surroundings.environment};
   const Dictionary first{{"Url", "http://x/1"}, {"Length", 1234}};
   const Dictionary second{{"Url", "http://x/2"}};
   const std::string news = *converter.makePodcastXMLFromPodcastDictionary(

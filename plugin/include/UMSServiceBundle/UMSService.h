@@ -8,7 +8,7 @@
 /// bytes are no UTF-8 arrives with each odd byte as a pair of characters of U+FDD8 to U+FDEF, which no other
 /// text holds, and finds its file again when the host hands it back.
 /// A service is what its long operations synchronize on: `@synchronized(service)` keeps them from running.
-/// The last release waits for the worker, so it has its place outside of such a section.
+/// The last release inside such a section lets a worker that stands before it end by itself.
 #pragma once
 
 #import <Foundation/Foundation.h>

@@ -36,7 +36,11 @@ UMSService::UMSService(const Environment& environment, const MaybeString& locati
 }
 
 void UMSService::startWorker() {
-  worker_ = std::thread([rooms = rooms_] { serveQueue(rooms); });
+  worker_ = std::thread([rooms = rooms_] {
+    rooms->context.workerEnd.begun();
+    serveQueue(rooms);
+    rooms->context.workerEnd.reached();
+  });
 }
 
 void UMSService::serveQueue(const std::shared_ptr<Rooms>& rooms) {
@@ -55,10 +59,10 @@ UMSService::~UMSService() {
   // Volumes and names go with the rooms, once the worker needs them no more; a list that the host holds
   // stays.
   context.log.write(6, kMethod, "EXIT");
-  if (RequestInHand::isAny()) {
-    worker_.detach();
-  } else {
+  if (!RequestInHand::isAny() && context.workerEnd.await()) {
     worker_.join();
+  } else {
+    worker_.detach();
   }
 }
 

@@ -70,10 +70,11 @@ bool Dispatcher::doUmsFileService(const _serviceinfo* serviceInfo) {
 void Dispatcher::serve(const _serviceinfo& serviceInfo) {
   trace(serviceInfo.command);
   Outcome outcome;
+  const uint32_t stoppedBefore = context_.stoppedRuns;
   if (runsToItsEnd(context_, [&] { outcome = perform(serviceInfo); })) {
     report(serviceInfo, outcome);
   } else {
-    reportStopped(serviceInfo);
+    reportStopped(serviceInfo, context_.stoppedRuns != stoppedBefore);
   }
 }
 
@@ -83,14 +84,15 @@ void Dispatcher::report(const _serviceinfo& serviceInfo, const Outcome& outcome)
   reports_.sendResultEvent(serviceInfo, kResultEvent, outcome.errorNumber, code, outcome.diskSpace, 0);
 }
 
-/// Whoever queued the request waits for its end. Of a long one that is first a progress with an end in it:
-/// the run that would have posted it is gone, so it is told as a cancelled one. For deletes, copies to the
-/// computer and syncs this is the only end that a host knows, as they never have a result. A result, for the
-/// others, says that the operation failed. Each is posted once: a handler that throws again is let be.
-void Dispatcher::reportStopped(const _serviceinfo& serviceInfo) {
+/// Whoever queued the request waits for its end. Of a long one that is first a progress with an end in it;
+/// where the exception came before the run that would have posted it, it is told as a cancelled one. For
+/// deletes, copies to the computer and syncs this is the only end that a host knows, as they never have a
+/// result. A result, for the others, says that the operation failed. Each is posted once: a handler that
+/// throws again is let be.
+void Dispatcher::reportStopped(const _serviceinfo& serviceInfo, bool runToldItsEnd) {
   // The run had no time to: a later request of the same number is not what was cancelled.
   context_.cancelList.removeEvery(serviceInfo.serviceID);
-  if (isLong(serviceInfo.command)) {
+  if (isLong(serviceInfo.command) && !runToldItsEnd) {
     runsToItsEnd(context_, [&] {
       reports_.sendCancelProgressEvent(serviceInfo.serviceID, serviceInfo.srcLocationID,
                                        serviceInfo.mediaType, 0, 0, kTransferCancelled);
@@ -162,7 +164,9 @@ Dispatcher::Outcome Dispatcher::diskSpace(const _serviceinfo& serviceInfo, uint6
 }
 
 Dispatcher::Outcome Dispatcher::runLongOperation(const _serviceinfo& serviceInfo) {
+  context_.workerEnd.waitsForSection(true);
   std::lock_guard<SynchronizedObject> section(context_.synchronizedSection());
+  context_.workerEnd.waitsForSection(false);
   if (chosenOperation(serviceInfo)) return {.success = true};
   return {.errorNumber = kErrorOperationFailed};
 }

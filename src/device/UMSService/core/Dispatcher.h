@@ -33,7 +33,7 @@ class Dispatcher {
   void trace(uint32_t command) const;
   Outcome perform(const _serviceinfo& serviceInfo);
   void report(const _serviceinfo& serviceInfo, const Outcome& outcome);
-  void reportStopped(const _serviceinfo& serviceInfo);
+  void reportStopped(const _serviceinfo& serviceInfo, bool runToldItsEnd);
   Outcome createFile(const _serviceinfo& serviceInfo);
   Outcome createFolder(const _serviceinfo& serviceInfo);
   Outcome readFile() const;

@@ -1,8 +1,10 @@
 #include "RequestQueue.h"
 
-#include <exception>
+#include <iterator>
+#include <mutex>
 #include <thread>
 
+#include "OnException.h"
 #include "RequestGuard.h"
 #include "umsservice/Notifications.h"
 
@@ -10,31 +12,6 @@ namespace umsservice {
 namespace {
 
 constexpr auto kWorkerMethod = "-[UMSService umsFileServiceQueueThread:]";
-
-/// One walk over a cancel list at a time, whichever devices it is for.
-Mutex& walkOfAnyCancelList() {
-  static Mutex mutex;
-  return mutex;
-}
-
-/// Lets each of several handlers of the host's run, and then tells of the first that threw.
-class FirstException {
- public:
-  template <typename Handler>
-  void guard(Handler&& handler) {
-    try {
-      handler();
-    } catch (...) {
-      if (!first_) first_ = std::current_exception();
-    }
-  }
-  void rethrow() const {
-    if (first_) std::rethrow_exception(first_);
-  }
-
- private:
-  std::exception_ptr first_;
-};
 
 }  // namespace
 
@@ -99,7 +76,7 @@ void RequestQueue::umsFileServiceQueueThread(const std::function<void(_servicein
   context_.log.write(6, kWorkerMethod, "umsFileServiceQueueThread Exit!");
 }
 
-bool RequestQueue::takeMatching(uint32_t serviceID, std::list<Record>& removed) {
+bool RequestQueue::takeMatching(uint32_t serviceID, Records& removed) {
   if (!queueLock_.tryLock()) return false;
   const size_t before = removed.size();
   // Moved from list to list, which needs no memory: nothing can go wrong while the lock is held.
@@ -111,27 +88,25 @@ bool RequestQueue::takeMatching(uint32_t serviceID, std::list<Record>& removed) 
   return removed.size() > before;
 }
 
-void RequestQueue::announceCancelled(const std::list<Record>& removed) {
-  FirstException exception;
-  for (const Record& record : removed) {
-    exception.guard([&] {
-      reports_.sendCancelProgressEvent(record->serviceID, context_.identity.currentLocationID(),
-                                       record->mediaType, 0, 0, kTransferCancelled);
-    });
+void RequestQueue::announceCancelled(Records::const_iterator from, const Records& removed) {
+  for (auto record = from; record != removed.end(); ++record) {
+    OnException rest(context_, [&] { announceCancelled(std::next(record), removed); });
+    reports_.sendCancelProgressEvent((*record)->serviceID, context_.identity.currentLocationID(),
+                                     (*record)->mediaType, 0, 0, kTransferCancelled);
+    rest.over();
   }
-  exception.rethrow();
 }
 
 bool RequestQueue::emptyQueue(uint32_t serviceID) {
-  std::list<Record> removed;
+  Records removed;
   bool found = takeMatching(serviceID, removed);
-  announceCancelled(removed);
+  announceCancelled(removed.begin(), removed);
   return found;
 }
 
 std::vector<RequestQueue::Cancelled> RequestQueue::takeCancelled() {
   std::vector<Cancelled> cancelled;
-  MutexLock lock(walkOfAnyCancelList());
+  std::lock_guard<SynchronizedObject> oneWalkAtATime(context_.classSection());
   size_t count = context_.cancelList.count();
   // The index advances after a removal too, so an entry that moved up waits for the next walk.
   for (size_t i = 0; i < count; ++i) {
@@ -147,19 +122,31 @@ std::vector<RequestQueue::Cancelled> RequestQueue::takeCancelled() {
   return cancelled;
 }
 
-void RequestQueue::emptyQueue() {
+void RequestQueue::tellOfCancelled(std::vector<Cancelled>::const_iterator from,
+                                   const std::vector<Cancelled>& cancelled) {
   constexpr auto kMethod = "-[UMSService emptyQueue]";
-  FirstException exception;
-  for (const Cancelled& request : takeCancelled()) {
-    if (!request.serviceID) {
+  for (auto request = from; request != cancelled.end(); ++request) {
+    if (!request->serviceID) {
       context_.log.always(kMethod, "Cancel Service ID Value is nil.");
       continue;
     }
-    exception.guard([&] { announceCancelled(request.records); });
-    context_.cancelList.logRemovalPassedOver(request.passedOver);
-    context_.log.write(7, kMethod, "Cancel Service ID : 0x%08x", *request.serviceID);
+    auto leaveLines = [&] {
+      context_.cancelList.logRemovalPassedOver(request->passedOver);
+      context_.log.write(7, kMethod, "Cancel Service ID : 0x%08x", *request->serviceID);
+    };
+    OnException rest(context_, [&] {
+      leaveLines();
+      tellOfCancelled(std::next(request), cancelled);
+    });
+    announceCancelled(request->records.begin(), request->records);
+    rest.over();
+    leaveLines();
   }
-  exception.rethrow();
+}
+
+void RequestQueue::emptyQueue() {
+  const std::vector<Cancelled> cancelled = takeCancelled();
+  tellOfCancelled(cancelled.begin(), cancelled);
 }
 
 void RequestQueue::cancelFileAction(uint32_t serviceID) {
@@ -177,7 +164,7 @@ bool RequestQueue::exitServiceThread() {
 }
 
 void RequestQueue::releaseAndDropAll() {
-  std::list<Record> dropped;  // freed after the lock is given back: contents may belong to the host
+  Records dropped;  // freed after the lock is given back: contents may belong to the host
   MutexLock lock(queueLock_);
   context_.releaseState = 1;
   dropped.swap(serviceItem_);

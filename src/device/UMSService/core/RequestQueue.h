@@ -44,17 +44,20 @@ class RequestQueue {
 
  private:
   using Record = std::unique_ptr<_serviceinfo>;
+  using Records = std::list<Record>;
 
   /// What one walk over the cancel list took out of the queue; no ID for an entry that is no number.
   struct Cancelled {
     CancelList::Entry serviceID;
-    std::list<Record> records;
+    Records records;
     size_t passedOver = 0;  ///< entries that are no numbers, met while the ID was taken out of the list
   };
 
   std::vector<Cancelled> takeCancelled();
-  bool takeMatching(uint32_t serviceID, std::list<Record>& removed);
-  void announceCancelled(const std::list<Record>& removed);
+  bool takeMatching(uint32_t serviceID, Records& removed);
+  // Each tells of everything, and an exception of a handler's goes on when all have been told.
+  void announceCancelled(Records::const_iterator from, const Records& removed);
+  void tellOfCancelled(std::vector<Cancelled>::const_iterator from, const std::vector<Cancelled>& cancelled);
   bool isEmpty();
   Record takeFront();
   uint64_t signalsSoFar();
@@ -64,7 +67,7 @@ class RequestQueue {
   RequestReports& reports_;
 
   Mutex queueLock_;
-  std::list<Record> serviceItem_ GUARDED_BY(queueLock_);
+  Records serviceItem_ GUARDED_BY(queueLock_);
 
   Mutex syncConditionLock_;
   Condition syncCondition_;

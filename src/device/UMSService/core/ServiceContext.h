@@ -12,6 +12,7 @@
 #include "Log.h"
 #include "VolumeRegistry.h"
 #include "VolumeSpaces.h"
+#include "WorkerEnd.h"
 #include "umsservice/SynchronizedObject.h"
 
 namespace umsservice {
@@ -37,11 +38,19 @@ struct ServiceContext {
   VolumeRegistry volumes;
   DefaultFolders defaultFolders{environment, log, identity, volumes};
   VolumeSpaces spaces{environment, log, volumes};
+  WorkerEnd workerEnd;
   std::atomic<uint8_t> releaseState{0};  ///< 1 once the service is released or its device gone; never back
+  std::atomic<uint32_t> stoppedRuns{
+      0};  ///< runs that an exception stopped, and that told their end themselves
   std::atomic<int32_t> fileTransferStatus{0};  ///< 2 while the host marks a transfer; release waits for it
 
   /// Held by each long operation, and by hosts that exclude them.
   SynchronizedObject& synchronizedSection() const { return *object; }
+  /// Held during a walk over a cancel list, whichever service it is of.
+  SynchronizedObject& classSection() const {
+    static auto& ofThisProcess = *new std::shared_ptr<SynchronizedObject>(makeSynchronizedObject());
+    return environment.serviceClass ? *environment.serviceClass : *ofThisProcess;
+  }
   FileSystem& files() const { return *environment.fileSystem; }
   bool isReleased() const { return releaseState.load(std::memory_order_acquire) == 1; }
 };

@@ -1,5 +1,6 @@
 #include "DeviceToDevice.h"
 
+#include "OnException.h"
 #include "PeerProgress.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
@@ -26,10 +27,7 @@ bool DeviceToDevice::run() {
                destination_->modelName());
   if (request_.playlistName) run.notifier().setPlaylistName(request_.playlistName);
   progress_ = std::make_shared<PeerProgress>(tools_, request_.serviceID);
-  for (size_t i = 0; i < run.count(); ++i) {
-    if (sendItem(run, run.item(i)) == Next::EndRun) break;
-  }
-  return run.lastResult();
+  return run.carryOut({}, [&](const MediaItem& item) { return sendItem(run, item); });
 }
 
 bool DeviceToDevice::findDestination() {
@@ -44,7 +42,7 @@ bool DeviceToDevice::findDestination() {
 }
 
 DeviceToDevice::Next DeviceToDevice::sendItem(MediaRun& run, MediaItem item) {
-  if (run.endsForCancel(item)) return Next::EndRun;
+  if (run.endsForCancel()) return Next::EndRun;
   run.begin();
   if (auto next = run.refuseIncomplete(item, kErrorBadCopyItem)) return *next;
   item.destFolder = request_.destPath;
@@ -90,8 +88,9 @@ DeviceToDevice::Next DeviceToDevice::conclude(MediaRun& run, const MediaItem& it
   if (!outcome.result || errorNumber != kErrorNone) return run.failed(item, outcome);
   run.attachMediaInfo(*item.filePath, item.destPath);
   if (hasArrived(item, outcome)) return run.done(item, outcome);
-  run.notifier().incCurrentTransferFileCount();
-  run.tell(item, ItemOutcome::Kind::Failed, kErrorCreateFolderFailed);
+  inAnyCase(
+      context_, [&] { run.notifier().incCurrentTransferFileCount(); },
+      [&] { run.tell(item, ItemOutcome::Kind::Failed, kErrorCreateFolderFailed); });
   return Next::GoOn;
 }
 

@@ -27,11 +27,8 @@ bool MediaCopy::run() {
   MediaRun run(tools_, request_, method_, location, location, context_.identity.modelName());
   if (request_.playlistName) run.notifier().setPlaylistName(request_.playlistName);
   run.setLastResult(direction_ == Direction::MacToDevice);
-  if (!prepare(run)) return false;
-  for (size_t i = 0; i < run.count(); ++i) {
-    if (copyItem(run, run.item(i)) == Next::EndRun) break;
-  }
-  return run.lastResult();
+  return run.carryOut([&] { return prepare(run); },
+                      [&](const MediaItem& item) { return copyItem(run, item); });
 }
 
 bool MediaCopy::prepare(MediaRun& run) {
@@ -49,7 +46,7 @@ bool MediaCopy::prepare(MediaRun& run) {
 }
 
 MediaCopy::Next MediaCopy::copyItem(MediaRun& run, MediaItem item) {
-  if (run.endsForCancel(item)) return Next::EndRun;
+  if (run.endsForCancel()) return Next::EndRun;
   run.begin();
   if (auto next = resolveTarget(run, item)) return *next;
   if (run.endsForRelease(item)) return Next::EndRun;

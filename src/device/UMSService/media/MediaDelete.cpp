@@ -18,14 +18,11 @@ bool MediaDelete::run() {
   const MaybeString location = context.identity.currentLocationID();
   MediaRun run(tools_, request_, kMethod, location, location, context.identity.modelName());
   run.setLastResult(true);
-  for (size_t i = 0; i < run.count(); ++i) {
-    if (deleteItem(run, run.item(i)) == MediaRun::Next::EndRun) break;
-  }
-  return run.lastResult();
+  return run.carryOut({}, [&](const MediaItem& item) { return deleteItem(run, item); });
 }
 
 MediaRun::Next MediaDelete::deleteItem(MediaRun& run, const MediaItem& item) {
-  if (run.endsForCancel(item)) return MediaRun::Next::EndRun;
+  if (run.endsForCancel()) return MediaRun::Next::EndRun;
   if (auto next = run.refuseIncomplete(item, kErrorBadDeleteItem)) return *next;
   run.notifier().setFilePath(item.filePath);
   if (run.endsForRelease(item)) return MediaRun::Next::EndRun;

@@ -1,5 +1,6 @@
 #include "MediaRun.h"
 
+#include "OnException.h"
 #include "TargetPath.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
@@ -10,6 +11,12 @@ void notifySkipped(MediaTools& tools, OVUmsDeviceNotifier& notifier, uint64_t si
   notifier.setTransferResult(kErrorFileExists);
   tools.reports.transferProgressInfoEx(&notifier, size, size);
   notifier.incCurrentTransferFileCount();
+}
+
+void endForException(ServiceContext& context, OVUmsDeviceNotifier& notifier) {
+  ++context.stoppedRuns;
+  const int32_t status = notifier.currentTransferStatus();
+  if (status != kTransferFinished && status != kTransferCancelled) notifier.cancelFileTransfer();
 }
 
 void attachMediaInfo(const MediaTools& tools, OVUmsDeviceNotifier& notifier, const std::string& path,
@@ -37,6 +44,20 @@ MediaRun::MediaRun(MediaTools& tools, const _serviceinfo& request, const char* m
                                                tools.files.totalMediaContentsSize(request.contents))),
       notifier_(*ownNotifier_) {
   notifier_.setCurrentTransferStatus(kTransferRunning);
+}
+
+bool MediaRun::carryOut(const std::function<bool()>& prepare,
+                        const std::function<Next(const MediaItem&)>& step) {
+  OnException end(context_, [this] {
+    tellRestNotReached(kErrorOperationFailed);
+    endForException(context_, notifier_);
+  });
+  const bool isReady = !prepare || prepare();
+  for (size_t i = 0; isReady && i < count(); ++i) {
+    if (step(item(i)) == Next::EndRun) break;
+  }
+  end.over();
+  return isReady && lastResult_;
 }
 
 MediaItem MediaRun::item(size_t index) const {
@@ -105,11 +126,11 @@ std::optional<MediaRun::Next> MediaRun::settleConflict(const MediaItem& item,
   return replaceExisting(item, outcome);
 }
 
-bool MediaRun::endsForCancel(const MediaItem& item) {
+bool MediaRun::endsForCancel() {
   if (!cancelList_.isCancelServiceId(request_.serviceID)) return false;
   notifier_.cancelFileTransfer();
   cancelList_.removeEvery(request_.serviceID);
-  tellRestNotReached(item.index, kErrorStopped);
+  tellRestNotReached(kErrorStopped);
   return true;
 }
 
@@ -118,32 +139,42 @@ bool MediaRun::endsForRelease(const MediaItem& item) {
   context_.log.write(5, method_, "Device Disconnected - %@", context_.identity.currentLocationID());
   notifier_.cancelFileTransfer();
   tell(item, ItemOutcome::Kind::NotReached, kErrorStopped);
-  tellRestNotReached(item.index + 1, kErrorStopped);
+  tellRestNotReached(kErrorStopped);
   return true;
 }
 
 MediaRun::Next MediaRun::stopped(const MediaItem& item, const FileOutcome& outcome) {
-  notifier_.cancelFileTransfer();
+  inAnyCase(
+      context_, [&] { notifier_.cancelFileTransfer(); },
+      [&] {
+        tell(item, ItemOutcome::Kind::NotReached, outcome.errorNumber.value_or(kErrorStopped), outcome.bytes);
+      });
   cancelList_.removeEvery(request_.serviceID);
-  tell(item, ItemOutcome::Kind::NotReached, outcome.errorNumber.value_or(kErrorStopped), outcome.bytes);
-  tellRestNotReached(item.index + 1, kErrorStopped);
+  tellRestNotReached(kErrorStopped);
   return Next::EndRun;
 }
 
 MediaRun::Next MediaRun::volumeFull(const MediaItem& item, const FileOutcome& outcome) {
-  notifier_.addFailTransferFileCount(static_cast<uint32_t>(count() - item.index));
-  notifier_.sendResultNotification();
-  tell(item, ItemOutcome::Kind::Failed, kErrorVolumeFull, outcome.bytes, outcome.reason);
-  tellRestNotReached(item.index + 1, kErrorVolumeFull);
+  inAnyCase(
+      context_,
+      [&] {
+        notifier_.addFailTransferFileCount(static_cast<uint32_t>(count() - item.index));
+        notifier_.sendResultNotification();
+      },
+      [&] {
+        tell(item, ItemOutcome::Kind::Failed, kErrorVolumeFull, outcome.bytes, outcome.reason);
+        tellRestNotReached(kErrorVolumeFull);
+      });
   return Next::EndRun;
 }
 
 MediaRun::Next MediaRun::failed(const MediaItem& item, const FileOutcome& outcome) {
-  notifier_.incFailTransferFileCount();
   // A file that could not be created keeps the result that was there before; the observer is told the cause.
   uint32_t errorNumber = outcome.errorNumber.value_or(kErrorNone);
   if (errorNumber == kErrorNone) errorNumber = kErrorCopyFailed;
-  tell(item, ItemOutcome::Kind::Failed, errorNumber, outcome.bytes, outcome.reason);
+  inAnyCase(
+      context_, [&] { notifier_.incFailTransferFileCount(); },
+      [&] { tell(item, ItemOutcome::Kind::Failed, errorNumber, outcome.bytes, outcome.reason); });
   return Next::GoOn;
 }
 
@@ -153,20 +184,23 @@ MediaRun::Next MediaRun::refused(const MediaItem& item, uint32_t errorNumber, co
 }
 
 MediaRun::Next MediaRun::skipped(const MediaItem& item, uint64_t size) {
-  notifySkipped(tools_, notifier_, size);
-  tell(item, ItemOutcome::Kind::Skipped, kErrorFileExists);
+  inAnyCase(
+      context_, [&] { notifySkipped(tools_, notifier_, size); },
+      [&] { tell(item, ItemOutcome::Kind::Skipped, kErrorFileExists); });
   return Next::GoOn;
 }
 
 MediaRun::Next MediaRun::done(const MediaItem& item, const FileOutcome& outcome) {
-  notifier_.incCurrentTransferFileCount();
-  tell(item, ItemOutcome::Kind::Done, kErrorNone, outcome.bytes);
+  inAnyCase(
+      context_, [&] { notifier_.incCurrentTransferFileCount(); },
+      [&] { tell(item, ItemOutcome::Kind::Done, kErrorNone, outcome.bytes); });
   return Next::GoOn;
 }
 
 void MediaRun::allFailed(uint32_t errorNumber, const std::string& reason) {
-  notifier_.addFailTransferFileCount(static_cast<uint32_t>(count()));
-  tellAll(ItemOutcome::Kind::Failed, errorNumber, reason);
+  inAnyCase(
+      context_, [&] { notifier_.addFailTransferFileCount(static_cast<uint32_t>(count())); },
+      [&] { tellAll(ItemOutcome::Kind::Failed, errorNumber, reason); });
 }
 
 void MediaRun::tellAll(ItemOutcome::Kind kind, uint32_t errorNumber, const std::string& reason) {
@@ -181,14 +215,15 @@ uint64_t MediaRun::observedSize(const std::string& path) const {
 
 void MediaRun::tell(const MediaItem& item, ItemOutcome::Kind kind, uint32_t errorNumber, uint64_t bytes,
                     const std::string& reason) {
+  untold_ = item.index + 1;
   const auto& observer = context_.environment.itemObserver;
   if (!observer) return;
   observer->itemCounted(
       {request_.serviceID, item.index, kind, item.filePath, item.destPath, errorNumber, bytes, reason});
 }
 
-void MediaRun::tellRestNotReached(size_t from, uint32_t errorNumber) {
-  for (size_t i = from; i < count(); ++i) tell(item(i), ItemOutcome::Kind::NotReached, errorNumber);
+void MediaRun::tellRestNotReached(uint32_t errorNumber) {
+  while (untold_ < count()) tell(item(untold_), ItemOutcome::Kind::NotReached, errorNumber);
 }
 
 }  // namespace umsservice

@@ -2,8 +2,11 @@
 /// with its notifier, its item observer, and the ways in which an item or the whole run can end.
 ///
 /// Made by an operation for one request; used by the worker thread only. Each item is counted exactly once,
-/// on the notifier and for the observer.
+/// on the notifier and for the observer. The observer hears of an item after the host, and also when a
+/// handler of the host's throws.
 #pragma once
+
+#include <functional>
 
 #include "OverwriteConversation.h"
 #include "ServiceReports.h"
@@ -27,6 +30,10 @@ struct MediaTools {
 /// What the host hears of a file whose destination stays as it is: a full step of progress over the source's
 /// size, and done.
 void notifySkipped(MediaTools& tools, OVUmsDeviceNotifier& notifier, uint64_t size);
+
+/// Tells the host of a run's end as a cancel does, unless it has heard of one: for a run that an exception of
+/// the host's stops.
+void endForException(ServiceContext& context, OVUmsDeviceNotifier& notifier);
 
 /// Hands the tags of a file to a notifier, when the host's reader knows it. `shownPath`, where given, takes
 /// the place of the path in them.
@@ -56,6 +63,10 @@ class MediaRun {
   size_t count() const { return contents_.size(); }
   OVUmsDeviceNotifier& notifier() { return notifier_; }
 
+  /// Takes the items in hand one by one, once `prepare` (may be empty) has said yes, and answers the last
+  /// result; false without that yes. An exception of the host's ends the run like a cancel does, and goes on.
+  bool carryOut(const std::function<bool()>& prepare, const std::function<Next(const MediaItem&)>& step);
+
   /// The item at an index; its fields are absent where the element is nil or has no such text.
   MediaItem item(size_t index) const;
   /// Takes the next item in hand: no result carries the tags of the item before it.
@@ -80,7 +91,7 @@ class MediaRun {
   void setLastResult(bool result) { lastResult_ = result; }
 
   /// Looks at the cancel list. True ends the run: the cancellation is posted and answered.
-  bool endsForCancel(const MediaItem& item);
+  bool endsForCancel();
   /// Looks at the release flag. True ends the run, with a line about the device.
   bool endsForRelease(const MediaItem& item);
   /// Ends the run for a copy that was stopped.
@@ -110,16 +121,17 @@ class MediaRun {
             const std::string& reason = {});
 
  private:
-  void tellRestNotReached(size_t from, uint32_t errorNumber);
+  void tellRestNotReached(uint32_t errorNumber);
 
   MediaTools& tools_;
-  const ServiceContext& context_;
+  ServiceContext& context_;
   CancelList& cancelList_;
   const _serviceinfo& request_;
   const char* const method_;
   const std::vector<Value> contents_;
   const std::shared_ptr<OVUmsDeviceNotifier> ownNotifier_;
   OVUmsDeviceNotifier& notifier_;
+  size_t untold_ = 0;  ///< the first item that the observer has not heard of
   bool lastResult_ = false;
 };
 

@@ -1,6 +1,7 @@
 #include "MediaSync.h"
 
 #include "MediaFallOver.h"
+#include "OnException.h"
 #include "umsservice/ErrorNumbers.h"
 
 namespace umsservice {
@@ -17,11 +18,8 @@ bool MediaSync::run() {
   }
   const MaybeString location = context_.identity.currentLocationID();
   MediaRun run(tools_, request_, kMethod, location, location, context_.identity.modelName());
-  if (!chooseVolume(run) || !prepareFolder(run)) return false;
-  for (size_t i = 0; i < run.count(); ++i) {
-    if (syncItem(run, run.item(i)) == Next::EndRun) break;
-  }
-  return run.lastResult();
+  return run.carryOut([&] { return chooseVolume(run) && prepareFolder(run); },
+                      [&](const MediaItem& item) { return syncItem(run, item); });
 }
 
 bool MediaSync::chooseVolume(MediaRun& run) {
@@ -32,8 +30,9 @@ bool MediaSync::chooseVolume(MediaRun& run) {
     return true;
   }
   context_.log.write(3, kMethod, "Get Volume Path is failed.");
-  run.notifier().incFailTransferFileCount();  // hosts hear of one failure for the whole list
-  run.tellAll(ItemOutcome::Kind::Failed, kErrorInvalidInput);
+  inAnyCase(
+      context_, [&] { run.notifier().incFailTransferFileCount(); },  // one failure for the whole list
+      [&] { run.tellAll(ItemOutcome::Kind::Failed, kErrorInvalidInput); });
   return false;
 }
 
@@ -56,7 +55,7 @@ bool MediaSync::prepareFolder(MediaRun& run) {
 }
 
 MediaSync::Next MediaSync::syncItem(MediaRun& run, MediaItem item) {
-  if (run.endsForCancel(item)) return Next::EndRun;
+  if (run.endsForCancel()) return Next::EndRun;
   run.begin();
   if (auto next = run.refuseIncomplete(item, kErrorBadSyncItem)) return *next;
   item.destFolder = folder_;
@@ -89,6 +88,13 @@ MediaSync::Next MediaSync::tryOtherVolumes(MediaRun& run, const MediaItem& item,
   FileOutcome outcome = fallOver.place(item.filePath, first);
   const uint32_t answer = outcome.errorNumber.value_or(kErrorNone);
   if (isStopCode(answer)) return run.stopped(item, outcome);
+  inAnyCase(
+      context_, [&] { concludeFallOver(run, item, answer); },
+      [&] { tellFallOver(run, item, fallOver, outcome); });
+  return Next::GoOn;
+}
+
+void MediaSync::concludeFallOver(MediaRun& run, const MediaItem& item, uint32_t answer) {
   run.notifier().setTransferResult(answer);
   if (answer == kErrorNone) {
     run.attachMediaInfo(*item.filePath);
@@ -96,12 +102,9 @@ MediaSync::Next MediaSync::tryOtherVolumes(MediaRun& run, const MediaItem& item,
   } else {
     run.notifier().incFailTransferFileCount();
   }
-  if (answer == kErrorVolumeFull && !fullVolumeAnnounced_) {
-    run.notifier().sendResultNotification();
-    fullVolumeAnnounced_ = true;
-  }
-  tellFallOver(run, item, fallOver, outcome);
-  return Next::GoOn;
+  if (answer != kErrorVolumeFull || fullVolumeAnnounced_) return;
+  run.notifier().sendResultNotification();
+  fullVolumeAnnounced_ = true;
 }
 
 /// The observer is told what really became of the file, whatever the answer made of it.

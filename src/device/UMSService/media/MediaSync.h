@@ -26,6 +26,7 @@ class MediaSync {
   Next syncItem(MediaRun& run, MediaItem item);
   std::optional<Next> settleConflict(MediaRun& run, const MediaItem& item, FileOutcome& outcome);
   Next tryOtherVolumes(MediaRun& run, const MediaItem& item, const FileOutcome& first);
+  void concludeFallOver(MediaRun& run, const MediaItem& item, uint32_t answer);
   static void tellFallOver(MediaRun& run, const MediaItem& item, const MediaFallOver& fallOver,
                            const FileOutcome& outcome);
 

@@ -36,6 +36,7 @@ void EpisodeLedger::countRestOf(const PodcastChannel& channel, const Ending& end
 }
 
 void EpisodeLedger::countRest(const Ending& ending) {
+  if (holdsBack_) tellHeld(ending);
   while (next_ < paths_.size()) count(ending);
 }
 
@@ -48,7 +49,12 @@ void EpisodeLedger::attempt(const PodcastChannel& channel) {
 
 void EpisodeLedger::settle(const PodcastChannel& channel, const Ending& ending) {
   attempt(channel);  // also for a channel that was never attempted
+  tellHeld(ending);
+}
+
+void EpisodeLedger::tellHeld(const Ending& ending) {
   holdsBack_ = false;
+  next_ = heldFrom_;
   for (const auto& slot : held_) count(slot.value_or(ending));
 }
 

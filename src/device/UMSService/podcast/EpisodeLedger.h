@@ -28,6 +28,7 @@ class EpisodeLedger {
   void count(const Ending& ending);
   /// Every episode of a channel, and of those before it, that has not been told of.
   void countRestOf(const PodcastChannel& channel, const Ending& ending);
+  /// Every episode of the request; what is held back is told first.
   void countRest(const Ending& ending);
 
   /// A channel that may be gone through more than once: what is counted from now on is held back, and starts
@@ -38,6 +39,7 @@ class EpisodeLedger {
 
  private:
   void tell(size_t item, const Ending& ending);
+  void tellHeld(const Ending& ending);
 
   const std::shared_ptr<ItemObserver> observer_;
   const uint32_t serviceID_;

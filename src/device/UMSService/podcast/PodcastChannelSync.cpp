@@ -1,5 +1,6 @@
 #include "PodcastChannelSync.h"
 
+#include "OnException.h"
 #include "StringPaths.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
@@ -16,10 +17,13 @@ PodcastChannelSync::End PodcastChannelSync::sync(const PodcastChannel& channel, 
     run_.folderFailed(channel, place, reason, manner_.method);
     return End::NoFolder;
   }
-  for (const Value& element : *channel.episodes) {
-    if (syncEpisode(place, index, element) == Next::EndOfChannel) break;
-  }
-  return run_.writeIndex(index, place, manner_.method) ? End::Written : End::NotWritten;
+  End end = End::NotWritten;
+  run_.forEachEpisode(
+      channel, [&](const Value& element) { return syncEpisode(place, index, element); },
+      [&] {
+        if (run_.writeIndex(index, place, manner_.method)) end = End::Written;
+      });
+  return end;
 }
 
 PodcastChannelSync::Next PodcastChannelSync::syncEpisode(const ChannelPlace& place, ChannelIndex& index,
@@ -54,8 +58,9 @@ PodcastChannelSync::Next PodcastChannelSync::enter(const ChannelPlace& place, Ch
   index.add(*episode.dictionary);
   run_.show(place, index);
   attachMediaInfo(tools_.media, run_.notifier(), manner_.infoFromTarget ? *episode.target : *episode.source);
-  run_.notifier().incCurrentTransferFileCount();
-  run_.ledger().count(endingOf(episode, outcome));
+  inAnyCase(
+      tools_.media.context, [&] { run_.notifier().incCurrentTransferFileCount(); },
+      [&] { run_.ledger().count(endingOf(episode, outcome)); });
   return Next::GoOn;
 }
 

@@ -17,10 +17,7 @@ bool PodcastCopy::run() {
   PodcastRun::Scope scope = PodcastRun::onThisDevice(context_, request_);
   scope.bytes = tools_.sizes.totalPodcastFileSize(request_.contents, scope.episodes);
   PodcastRun run(tools_, request_, scope);
-  for (const PodcastChannel& channel : run.channels()) {
-    if (run.endsForCancel(kMethod) || !copyChannel(run, channel)) break;
-  }
-  run.finish();
+  run.carryOut(kMethod, [&](const PodcastChannel& channel) { return copyChannel(run, channel); });
   return status_;
 }
 
@@ -44,11 +41,12 @@ bool PodcastCopy::copyChannel(PodcastRun& run, const PodcastChannel& channel) {
     run.folderFailed(channel, *place, reason, kMethod);
     return true;
   }
-  for (const Value& element : *channel.episodes) {
-    if (copyEpisode(run, channel, *place, index, element) == Next::EndOfChannel) break;
-  }
-  run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
-  status_ = run.writeIndex(index, *place, kMethod);
+  run.forEachEpisode(
+      channel, [&](const Value& element) { return copyEpisode(run, channel, *place, index, element); },
+      [&] {
+        run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
+        status_ = run.writeIndex(index, *place, kMethod);
+      });
   return true;
 }
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "FileNames.h"
+#include "OnException.h"
 #include "StringPaths.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
@@ -38,10 +39,7 @@ bool PodcastDelete::run() {
   PodcastRun::Scope scope = PodcastRun::onThisDevice(context_, request_);
   scope.episodes = tools_.sizes.totalPodcastCount(request_.contents);
   PodcastRun run(tools_, request_, scope);
-  for (const PodcastChannel& channel : run.channels()) {
-    if (run.endsForCancel(kMethod) || !deleteChannel(run, channel)) break;
-  }
-  run.finish();
+  run.carryOut(kMethod, [&](const PodcastChannel& channel) { return deleteChannel(run, channel); });
   return status_;
 }
 
@@ -60,11 +58,12 @@ bool PodcastDelete::deleteChannel(PodcastRun& run, const PodcastChannel& channel
   Shrinking shrinking{
       channel, *place,
       tools_.indexes.open(run.converter(), place->folder, place->name, withBareNames(channel), true)};
-  for (const Value& element : *channel.episodes) {
-    if (deleteEpisode(run, shrinking, element) == Next::EndOfChannel) break;
-  }
-  run.ledger().countRestOf(channel, {Kind::NotReached, kErrorStopped});
-  status_ = shrinking.folderGone || run.writeIndex(shrinking.index, *place, kMethod);
+  run.forEachEpisode(
+      channel, [&](const Value& element) { return deleteEpisode(run, shrinking, element); },
+      [&] {
+        run.ledger().countRestOf(channel, {Kind::NotReached, kErrorStopped});
+        status_ = shrinking.folderGone || run.writeIndex(shrinking.index, *place, kMethod);
+      });
   return true;
 }
 
@@ -80,15 +79,19 @@ bool PodcastDelete::deleteWholeChannel(PodcastRun& run, const PodcastChannel& ch
   status_ = outcome.result;
   const uint32_t errorNumber = outcome.errorNumber.value_or(kErrorNone);
   notifier.setTransferResult(errorNumber);
-  if (outcome.result) {
-    notifier.deleteFileTransfer();
-    notifier.addCurrentTransferFileCount(episodes);
-  } else {
-    notifier.addFailTransferFileCount(episodes);
-  }
-  notifier.sendResultNotification();
-  run.ledger().countRestOf(
-      channel, {outcome.result ? Kind::Done : Kind::Failed, errorNumber, std::nullopt, 0, outcome.reason});
+  auto notify = [&] {
+    if (outcome.result) {
+      notifier.deleteFileTransfer();
+      notifier.addCurrentTransferFileCount(episodes);
+    } else {
+      notifier.addFailTransferFileCount(episodes);
+    }
+    notifier.sendResultNotification();
+  };
+  const Kind kind = outcome.result ? Kind::Done : Kind::Failed;
+  inAnyCase(context_, notify, [&] {
+    run.ledger().countRestOf(channel, {kind, errorNumber, std::nullopt, 0, outcome.reason});
+  });
   return true;
 }
 
@@ -111,8 +114,11 @@ PodcastDelete::Next PodcastDelete::deleteEpisode(PodcastRun& run, Shrinking& cha
   run.notifier().setTransferResult(errorNumber);
   if (outcome.result) return deleted(run, channel, *episode, *file, bytes);
   show(run, channel, *file, *channel.channel.dictionary);
-  run.notifier().incFailTransferFileCount();
-  run.ledger().count({Kind::Failed, errorNumber, std::nullopt, 0, outcome.reason});
+  inAnyCase(
+      context_, [&] { run.notifier().incFailTransferFileCount(); },
+      [&] {
+        run.ledger().count({Kind::Failed, errorNumber, std::nullopt, 0, outcome.reason});
+      });
   return Next::GoOn;
 }
 
@@ -158,9 +164,11 @@ PodcastDelete::Next PodcastDelete::deleted(PodcastRun& run, Shrinking& channel, 
     podcast.set(kDelete, true);
   }
   show(run, channel, file, podcast);
-  run.notifier().deleteFileTransfer();
-  run.notifier().incCurrentTransferFileCount();
-  run.ledger().count({Kind::Done, kErrorNone, std::nullopt, bytes});
+  auto notify = [&] {
+    run.notifier().deleteFileTransfer();
+    run.notifier().incCurrentTransferFileCount();
+  };
+  inAnyCase(context_, notify, [&] { run.ledger().count({Kind::Done, kErrorNone, std::nullopt, bytes}); });
   return Next::GoOn;
 }
 

@@ -1,5 +1,6 @@
 #include "PodcastDeviceToDevice.h"
 
+#include "OnException.h"
 #include "PeerProgress.h"
 #include "StringPaths.h"
 #include "umsservice/ErrorNumbers.h"
@@ -35,10 +36,7 @@ bool PodcastDeviceToDevice::run() {
   scope.bytes = tools_.sizes.totalPodcastFileSize(request_.contents, scope.episodes);
   PodcastRun run(tools_, request_, scope);
   progress_ = std::make_shared<PeerProgress>(tools_.media, request_.serviceID);
-  for (const PodcastChannel& channel : run.channels()) {
-    if (run.endsForCancel(kMethod) || !sendChannel(run, channel)) break;
-  }
-  run.finish();
+  run.carryOut(kMethod, [&](const PodcastChannel& channel) { return sendChannel(run, channel); });
   return status_;
 }
 
@@ -61,11 +59,12 @@ bool PodcastDeviceToDevice::sendChannel(PodcastRun& run, const PodcastChannel& c
     run.folderFailed(channel, *place, {}, kMethod);
     return true;
   }
-  for (const Value& element : *channel.episodes) {
-    if (sendEpisode(run, channel, *place, index, element) == Next::EndOfChannel) break;
-  }
-  run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
-  status_ = run.writeIndex(index, *place, kMethod);
+  run.forEachEpisode(
+      channel, [&](const Value& element) { return sendEpisode(run, channel, *place, index, element); },
+      [&] {
+        run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
+        status_ = run.writeIndex(index, *place, kMethod);
+      });
   return true;
 }
 
@@ -126,8 +125,11 @@ PodcastDeviceToDevice::Next PodcastDeviceToDevice::conclude(PodcastRun& run, con
   run.show(place, index);
   attachMediaInfo(tools_.media, run.notifier(), *episode.target);
   if (!nothingCame) return run.done(episode, outcome);
-  run.notifier().incCurrentTransferFileCount();
-  run.ledger().count({ItemOutcome::Kind::Failed, kErrorCreateFolderFailed, episode.target});
+  inAnyCase(
+      context_, [&] { run.notifier().incCurrentTransferFileCount(); },
+      [&] {
+        run.ledger().count({ItemOutcome::Kind::Failed, kErrorCreateFolderFailed, episode.target});
+      });
   return Next::GoOn;
 }
 

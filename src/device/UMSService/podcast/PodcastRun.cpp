@@ -1,6 +1,7 @@
 #include "PodcastRun.h"
 
 #include "FileNames.h"
+#include "OnException.h"
 #include "StringPaths.h"
 #include "TargetPath.h"
 #include "umsservice/ErrorNumbers.h"
@@ -94,10 +95,33 @@ bool PodcastRun::endsForRelease(const char* method) {
   return true;
 }
 
+void PodcastRun::carryOut(const char* method, const std::function<bool(const PodcastChannel&)>& step) {
+  OnException end(context_, [this] {
+    ledger_.countRest({Kind::NotReached, kErrorOperationFailed});
+    endForException(context_, notifier_);
+  });
+  for (const PodcastChannel& channel : channels_) {
+    if (endsForCancel(method) || !step(channel)) break;
+  }
+  finish();
+  end.over();
+}
+
+/// Tells of what was never reached, and answers the cancellation.
 void PodcastRun::finish() {
   ledger_.countRest({Kind::NotReached, kErrorStopped});
   if (!cancelled_) return;
   context_.cancelList.removeEvery(request_.serviceID);
+}
+
+void PodcastRun::forEachEpisode(const PodcastChannel& channel, const std::function<Next(const Value&)>& step,
+                                const std::function<void()>& settle) const {
+  auto episodes = [&] {
+    for (const Value& element : *channel.episodes) {
+      if (step(element) == Next::EndOfChannel) break;
+    }
+  };
+  inAnyCase(context_, episodes, settle);
 }
 
 std::optional<ChannelPlace> PodcastRun::placeOf(const PodcastChannel& channel,
@@ -117,8 +141,11 @@ bool PodcastRun::hasEpisodes(const PodcastChannel& channel, const char* method) 
 void PodcastRun::refuseChannel(const PodcastChannel& channel, uint32_t errorNumber,
                                const std::string& reason) {
   notifier_.setTransferResult(errorNumber);
-  notifier_.incFailTransferFileCount();
-  ledger_.countRestOf(channel, {Kind::Failed, errorNumber, std::nullopt, 0, reason});
+  inAnyCase(
+      context_, [&] { notifier_.incFailTransferFileCount(); },
+      [&] {
+        ledger_.countRestOf(channel, {Kind::Failed, errorNumber, std::nullopt, 0, reason});
+      });
 }
 
 void PodcastRun::refuseNilChannel(const PodcastChannel& channel, uint32_t errorNumber, const char* method) {
@@ -132,8 +159,14 @@ void PodcastRun::folderFailed(const PodcastChannel& channel, const ChannelPlace&
   notifier_.setTransferResult(error_);
   notifier_.setFilePath(place.folder);
   notifier_.setChannelName(place.name);
-  for (size_t i = 0; i < channel.episodes->size(); ++i) notifier_.incFailTransferFileCount();
-  ledger_.countRestOf(channel, {Kind::Failed, kErrorCreateFolderFailed, std::nullopt, 0, reason});
+  inAnyCase(
+      context_,
+      [&] {
+        for (size_t i = 0; i < channel.episodes->size(); ++i) notifier_.incFailTransferFileCount();
+      },
+      [&] {
+        ledger_.countRestOf(channel, {Kind::Failed, kErrorCreateFolderFailed, std::nullopt, 0, reason});
+      });
 }
 
 void PodcastRun::show(const ChannelPlace& place, const ChannelIndex& index) {
@@ -209,49 +242,70 @@ std::optional<PodcastRun::Next> PodcastRun::replaceExisting(const PodcastEpisode
 
 PodcastRun::Next PodcastRun::refused(std::optional<uint32_t> errorNumber, uint32_t observedNumber) {
   if (errorNumber) notifier_.setTransferResult(*errorNumber);
-  notifier_.incFailTransferFileCount();
-  ledger_.count({Kind::Failed, observedNumber});
+  inAnyCase(
+      context_, [&] { notifier_.incFailTransferFileCount(); },
+      [&] {
+        ledger_.count({Kind::Failed, observedNumber});
+      });
   return Next::GoOn;
 }
 
 PodcastRun::Next PodcastRun::failed(const PodcastEpisode& episode, const ChannelPlace& place,
                                     const FileOutcome& outcome) {
-  notifier_.setFilePath(episode.target);
-  notifier_.setChannelName(place.name);
-  notifier_.incFailTransferFileCount();
   uint32_t errorNumber = outcome.errorNumber.value_or(kErrorNone);
   if (errorNumber == kErrorNone) errorNumber = kErrorCopyFailed;
-  ledger_.count({Kind::Failed, errorNumber, episode.target, outcome.bytes, outcome.reason});
+  notifier_.setFilePath(episode.target);
+  notifier_.setChannelName(place.name);
+  inAnyCase(
+      context_, [&] { notifier_.incFailTransferFileCount(); },
+      [&] {
+        ledger_.count({Kind::Failed, errorNumber, episode.target, outcome.bytes, outcome.reason});
+      });
   return Next::GoOn;
 }
 
 PodcastRun::Next PodcastRun::skipped(const PodcastEpisode& episode, uint64_t size) {
-  notifySkipped(tools_.media, notifier_, size);
-  ledger_.count({Kind::Skipped, kErrorFileExists, episode.target});
+  inAnyCase(
+      context_, [&] { notifySkipped(tools_.media, notifier_, size); },
+      [&] {
+        ledger_.count({Kind::Skipped, kErrorFileExists, episode.target});
+      });
   return Next::GoOn;
 }
 
 PodcastRun::Next PodcastRun::stopped(const PodcastEpisode& episode, const FileOutcome& outcome) {
-  notifier_.cancelFileTransfer();
+  const uint32_t errorNumber = outcome.errorNumber.value_or(kErrorStopped);
+  inAnyCase(
+      context_, [&] { notifier_.cancelFileTransfer(); },
+      [&] {
+        ledger_.count({Kind::NotReached, errorNumber, episode.target, outcome.bytes});
+      });
   cancelled_ = stopped_ = true;
-  ledger_.count(
-      {Kind::NotReached, outcome.errorNumber.value_or(kErrorStopped), episode.target, outcome.bytes});
   return Next::EndOfChannel;
 }
 
 PodcastRun::Next PodcastRun::volumeFull(const PodcastChannel& channel, const PodcastEpisode& episode,
                                         const FileOutcome& outcome) {
-  // Channels, not episodes: hosts add up what they are told.
-  notifier_.addFailTransferFileCount(static_cast<uint32_t>(channels_.size() - channel.index));
-  notifier_.sendResultNotification();
-  ledger_.count({Kind::Failed, kErrorVolumeFull, episode.target, outcome.bytes, outcome.reason});
-  ledger_.countRestOf(channel, {Kind::NotReached, kErrorVolumeFull});
+  inAnyCase(
+      context_,
+      [&] {
+        // Channels, not episodes: hosts add up what they are told.
+        notifier_.addFailTransferFileCount(static_cast<uint32_t>(channels_.size() - channel.index));
+        notifier_.sendResultNotification();
+      },
+      [&] {
+        ledger_.count({Kind::Failed, kErrorVolumeFull, episode.target, outcome.bytes, outcome.reason});
+        ledger_.countRestOf(channel, {Kind::NotReached, kErrorVolumeFull});
+      });
   return Next::EndOfChannel;
 }
 
 PodcastRun::Next PodcastRun::done(const PodcastEpisode& episode, const FileOutcome& outcome) {
-  notifier_.incCurrentTransferFileCount();
-  ledger_.count({Kind::Done, kErrorNone, episode.target, outcome.bytes});
+  inAnyCase(
+      context_, [&] { notifier_.incCurrentTransferFileCount(); },
+      [&] {
+        ledger_.count({Kind::Done, kErrorNone, episode.target, outcome.bytes});
+      });
   return Next::GoOn;
 }
 

@@ -6,6 +6,8 @@
 /// which a line is logged.
 #pragma once
 
+#include <functional>
+
 #include "EpisodeLedger.h"
 #include "MediaRun.h"
 #include "PodcastIndexFiles.h"
@@ -58,6 +60,9 @@ class PodcastRun {
 
   // The run.
 
+  /// Takes the channels in hand one by one, until `step` says no. An exception of the host's ends the run
+  /// like a cancel does, and goes on.
+  void carryOut(const char* method, const std::function<bool(const PodcastChannel&)>& step);
   /// Looks at the cancel list. True ends the episodes, or the run: the cancellation is logged and posted.
   /// True without another word when a copy was stopped by somebody who is neither this list nor a release.
   bool endsForCancel(const char* method);
@@ -65,8 +70,6 @@ class PodcastRun {
   bool endsForRelease(const char* method);
   /// Whether nothing is to be begun any more.
   bool isOver() const { return cancelled_ || context_.isReleased(); }
-  /// Tells of what was never reached, and answers the cancellation.
-  void finish();
 
   // One channel.
 
@@ -85,6 +88,11 @@ class PodcastRun {
   /// Item results carry this channel from now on, as its index is at this moment.
   void show(const ChannelPlace& place, const ChannelIndex& index);
   bool writeIndex(const ChannelIndex& index, const ChannelPlace& place, const char* method);
+
+  /// Takes the episodes of a channel in hand one by one. `settle` comes last, also when an exception of the
+  /// host's ends the channel: what lies on the volume has to be in the index.
+  void forEachEpisode(const PodcastChannel& channel, const std::function<Next(const Value&)>& step,
+                      const std::function<void()>& settle) const;
 
   // One episode.
 
@@ -121,6 +129,8 @@ class PodcastRun {
   Next done(const PodcastEpisode& episode, const FileOutcome& outcome);
 
  private:
+  void finish();
+
   PodcastTools& tools_;
   ServiceContext& context_;
   const _serviceinfo& request_;

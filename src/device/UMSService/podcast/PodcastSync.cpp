@@ -19,10 +19,7 @@ bool PodcastSync::run() {
   scope.bytes = tools_.sizes.totalPodcastFileSize(request_.contents, scope.episodes);
   PodcastRun run(tools_, request_, scope);
   if (!chooseVolume(run)) return false;
-  for (const PodcastChannel& channel : run.channels()) {
-    if (run.endsForCancel(kMethod) || !syncChannel(run, channel)) break;
-  }
-  run.finish();
+  run.carryOut(kMethod, [&](const PodcastChannel& channel) { return syncChannel(run, channel); });
   return status_;
 }
 
