@@ -48,7 +48,7 @@ std::string section(const std::string& title, const std::string& body) {
   return body.empty() ? "" : ".SH " + title + "\n" + body;
 }
 
-std::string prose(const std::string& text) {
+std::string roffProse(const std::string& text) {
   std::string page;
   for (const Block& block : blocksOf(text)) {
     page += block.isExample ? ".PP\n.RS 4\n.nf\n" : ".PP\n";
@@ -62,7 +62,7 @@ std::string entry(const std::string& title, const std::string& about) {
   return ".TP\n" + title + "\n" + escapedForRoff(about) + "\n";
 }
 
-std::string optionEntry(const OptionEntry& option) {
+std::string manEntry(const OptionEntry& option) {
   std::string title;
   for (const std::string& name : option.names) title += (title.empty() ? "" : ", ") + bold(name);
   return entry(title + (option.value.empty() ? "" : " " + italic(option.value)), option.about);
@@ -72,7 +72,7 @@ std::string options(const CommandEntry& command) {
   std::string page;
   for (const auto& group : groupsOf(command)) {
     if (group.front().group != "Options") page += ".SS " + escapedForRoff(group.front().group) + "\n";
-    for (const OptionEntry& option : group) page += optionEntry(option);
+    for (const OptionEntry& option : group) page += manEntry(option);
   }
   return page;
 }
@@ -96,8 +96,8 @@ std::string firstLine(const std::string& text) {
 }
 
 std::string description(const CommandEntry& command) {
-  if (command.words.empty()) return prose(command.about + "\n\n" + command.ending);
-  return prose(command.about + ".\n\n" + command.ending);
+  if (command.words.empty()) return roffProse(command.about + "\n\n" + command.ending);
+  return roffProse(command.about + ".\n\n" + command.ending);
 }
 
 /// The pages above a command's, and of a command of a group those beside it.
