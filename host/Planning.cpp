@@ -26,8 +26,9 @@ VolumeRoom roomOf(const Errand& errand, const WrittenPlace& place) {
   room.kind = place.volume ? place.volume->kind : "computer";
   room.path = place.volume ? place.volume->path : withoutTrailingSlashes(place.path);
   if (const auto& rehearsal = errand.rehearsal()) {
-    room.freeBefore = rehearsal->spaceBefore(room.path).free;
-    room.freeAfter = rehearsal->spaceAfter(room.path).free;
+    const RehearsedSpace space = rehearsal->spaceOf(room.path);
+    room.freeBefore = space.before.free;
+    room.freeAfter = space.after.free;
   } else {
     room.freeBefore = freeSpaceNear(*errand.files(), room.path);
   }

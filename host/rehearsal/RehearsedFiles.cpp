@@ -44,16 +44,10 @@ bool RehearsedFiles::hasReplaced(const std::string& path) {
   return note && note->kind == NoteKind::File && note->hasReplaced;
 }
 
-VolumeSpace RehearsedFiles::spaceBefore(const std::string& path) {
-  std::lock_guard lock(tree_->mutex);
-  auto space = real_->space(tree_->nearestReal(path));
-  return space ? *space : VolumeSpace{};
-}
-
-VolumeSpace RehearsedFiles::spaceAfter(const std::string& path) {
+RehearsedSpace RehearsedFiles::spaceOf(const std::string& path) {
   std::lock_guard lock(tree_->mutex);
   auto space = tree_->space(tree_->nearestReal(path));
-  return space ? *space : VolumeSpace{};
+  return space ? *space : RehearsedSpace{};
 }
 
 FileResult<FileAttributes> RehearsedFiles::attributes(const std::string& path) {
@@ -73,7 +67,9 @@ FileResult<VolumeSpace> RehearsedFiles::space(const std::string& path) {
   auto found = attributes(path);
   if (!found) return found.error();
   std::lock_guard lock(tree_->mutex);
-  return tree_->space(tree_->nearestReal(path));
+  auto space = tree_->space(tree_->nearestReal(path));
+  if (!space) return space.error();
+  return space->after;
 }
 
 FileResult<std::vector<DirectoryEntry>> RehearsedFiles::list(const std::string& folder) {

@@ -18,9 +18,8 @@ class RehearsedFiles final : public umsservice::FileSystem {
 
   /// Whether a noted file stands where another one was: a real one, or one of this run.
   bool hasReplaced(const std::string& path);
-  /// Room on the file system of a path that may not be there yet: without and with what is noted.
-  umsservice::VolumeSpace spaceBefore(const std::string& path);
-  umsservice::VolumeSpace spaceAfter(const std::string& path);
+  /// Room on the file system of a path that may not be there yet; nothing where nobody knows.
+  RehearsedSpace spaceOf(const std::string& path);
 
   umsservice::FileResult<umsservice::FileAttributes> attributes(const std::string& path) override;
   umsservice::FileResult<umsservice::FileAttributes> linkAttributes(const std::string& path) override;

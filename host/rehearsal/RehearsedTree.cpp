@@ -143,22 +143,23 @@ std::string RehearsedTree::nearestReal(const std::string& path) const {
   return at;
 }
 
-FileResult<VolumeSpace> RehearsedTree::space(const std::string& realPath) const {
-  auto space = real_->space(realPath);
+FileResult<RehearsedSpace> RehearsedTree::space(const std::string& realPath) const {
+  auto now = real_->space(realPath);
+  if (!now) return now.error();
+  RehearsedSpace space{*now, *now};
   auto found = real_->attributes(realPath);
-  if (!space || !found) return space;
-  auto freed = freed_.find(found->device);
+  auto freed = found ? freed_.find(found->device) : freed_.end();
   if (freed == freed_.end()) return space;
   const auto taken = static_cast<uint64_t>(std::max<int64_t>(0, -freed->second));
   const auto given = static_cast<uint64_t>(std::max<int64_t>(0, freed->second));
-  space->free = std::min(space->total, space->free - std::min(space->free, taken) + given);
+  space.after.free = std::min(now->total, now->free - std::min(now->free, taken) + given);
   return space;
 }
 
 uint64_t RehearsedTree::roomFor(const RehearsedFile& file) const {
   auto left = space(file.volume);
   const uint64_t inLastBlock = takenBy(file.attributes.size) - file.attributes.size;
-  return (left ? left->free : 0) + inLastBlock;
+  return (left ? left->after.free : 0) + inLastBlock;
 }
 
 void RehearsedTree::resize(RehearsedFile& file, uint64_t size) {

@@ -34,6 +34,12 @@ struct RehearsedNote {
   std::shared_ptr<RehearsedFile> file{};
 };
 
+/// The room of a file system without and with what is noted: from one look, as other programs use it too.
+struct RehearsedSpace {
+  umsservice::VolumeSpace before;
+  umsservice::VolumeSpace after;
+};
+
 class RehearsedTree {
  public:
   explicit RehearsedTree(std::shared_ptr<umsservice::FileSystem> real) : real_(std::move(real)) {}
@@ -57,7 +63,7 @@ class RehearsedTree {
   std::shared_ptr<RehearsedFile> newFile(const std::string& path, const std::string& volume);
   /// The nearest folder or file above a path, or itself, that is really there.
   std::string nearestReal(const std::string& path) const;
-  umsservice::FileResult<umsservice::VolumeSpace> space(const std::string& realPath) const;
+  umsservice::FileResult<RehearsedSpace> space(const std::string& realPath) const;
   /// How many more bytes the file can take.
   uint64_t roomFor(const RehearsedFile& file) const;
   /// The file has another size; takes the room or gives it back.

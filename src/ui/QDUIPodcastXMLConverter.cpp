@@ -123,13 +123,12 @@ void QDUIPodcastXMLConverter::removePodcastEpisode(const Dictionary& episode, XM
 
 MaybeString QDUIPodcastXMLConverter::identityOf(const Dictionary& episode) {
   MaybeString url = textOf(episode.get(kUrl));
-  if (url) url = XMLDocument::legalText(*url);
-  return url && url->empty() ? std::nullopt : url;
+  return url ? MaybeString(XMLDocument::legalText(*url)) : std::nullopt;
 }
 
 MaybeString QDUIPodcastXMLConverter::identityOf(const XMLElement& post) {
   auto url = post.firstChild(kUrl);
-  return url ? url->text() : std::nullopt;
+  return url ? MaybeString(url->text().value_or("")) : std::nullopt;
 }
 
 XMLElement QDUIPodcastXMLConverter::appendPodcastEpisode(const Dictionary& episode,

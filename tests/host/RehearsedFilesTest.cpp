@@ -132,8 +132,8 @@ TEST_F(RehearsedFiles, TakeRoomAndGiveItBackAndCanBeFull) {
   ASSERT_TRUE(made);
   const std::string bytes(50'000, 'x');
   EXPECT_EQ((*made)->write(bytes.data(), bytes.size()).written, bytes.size());
-  EXPECT_EQ(files.spaceAfter(volume.path()).free, free - 53'248);  // thirteen blocks
-  EXPECT_EQ(files.spaceBefore(volume.path()).free, free);
+  EXPECT_EQ(files.spaceOf(volume.path()).after.free, free - 53'248);  // thirteen blocks
+  EXPECT_EQ(files.spaceOf(volume.path()).before.free, free);
   ASSERT_TRUE(files.remove(old));
   EXPECT_EQ(files.space(volume.path())->free, free - 53'248 + 102'400);
   const std::string much(2'000'000, 'x');

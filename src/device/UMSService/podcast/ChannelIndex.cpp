@@ -7,7 +7,6 @@
 #include "umsservice/Notifications.h"
 
 namespace umsservice {
-namespace {}  // namespace
 
 std::string fullEpisodePath(const std::string& channelFolder, const std::string& filePath) {
   bool isFull = filePath.size() >= channelFolder.size() &&
@@ -42,7 +41,8 @@ void ChannelIndex::take(const Post& post) {
 void ChannelIndex::add(const Dictionary& episode) {
   MaybeString url = QDUIPodcastXMLConverter::identityOf(episode);
   if (url && urls_.contains(*url)) return converter_.reportSameEpisode(*url);
-  take({converter_.appendPodcastEpisode(episode, document_), url});
+  // A missing "Url" is written as an empty element.
+  take({converter_.appendPodcastEpisode(episode, document_), url.value_or("")});
 }
 
 void ChannelIndex::remove(const Dictionary& episode) {

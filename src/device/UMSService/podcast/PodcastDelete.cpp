@@ -101,7 +101,7 @@ PodcastDelete::Next PodcastDelete::deleteEpisode(PodcastRun& run, Shrinking& cha
     context_.log.write(1, kDeleteMethod, "Episode Data is nil.");
     return run.refused(kErrorBadDeleteItem, kErrorBadDeleteItem);
   }
-  MaybeString file = fileOf(*episode);
+  MaybeString file = fileOf(*episode, channel.place);
   if (!file) {
     context_.log.write(1, kDeleteMethod, "Episode Medias File Path is nil.");
     return run.refused(kErrorBadDeleteItem, kErrorBadDeleteItem);
@@ -122,10 +122,12 @@ PodcastDelete::Next PodcastDelete::deleteEpisode(PodcastRun& run, Shrinking& cha
 }
 
 /// The full path of an episode's file; nil for what can be no episode's: a folder, and a path that leads out
-/// of the folder that it seems to lie in. Deleting such a thing would cost more than an episode.
-MaybeString PodcastDelete::fileOf(const Dictionary& episode) const {
+/// of the folder that it seems to lie in, and the channel's index. Deleting such a thing would cost more than
+/// an episode.
+MaybeString PodcastDelete::fileOf(const Dictionary& episode, const ChannelPlace& place) const {
   MaybeString file = cleaned(episode.string(key::kFilePath));
   if (!file || file->empty()) return std::nullopt;
+  if (PodcastIndexFiles::isNameOfIndex(lastPathComponent(*file), place.name)) return std::nullopt;
   for (const std::string& component : pathComponents(*file)) {
     if (component == "." || component == "..") return std::nullopt;
   }

@@ -32,7 +32,7 @@ class PodcastDelete {
   bool deleteChannel(PodcastRun& run, const PodcastChannel& channel);
   bool deleteWholeChannel(PodcastRun& run, const PodcastChannel& channel, const ChannelPlace& place);
   Next deleteEpisode(PodcastRun& run, Shrinking& channel, const Value& element);
-  MaybeString fileOf(const Dictionary& episode) const;
+  MaybeString fileOf(const Dictionary& episode, const ChannelPlace& place) const;
   MaybeString cleaned(const MaybeString& path) const;
   uint64_t sizeOf(const std::string& file) const;
   Next deleted(PodcastRun& run, Shrinking& channel, const Dictionary& episode, const std::string& file,

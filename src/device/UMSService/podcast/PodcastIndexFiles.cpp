@@ -149,6 +149,16 @@ bool PodcastIndexFiles::putIndex(const std::string& path, const std::string& byt
   return isIndex ? replace(path, bytes) : keepAndReplace(path, bytes);
 }
 
+bool PodcastIndexFiles::isNameOfIndex(const std::string& fileName, const std::string& channelName) {
+  const std::string index = channelName + ".xml";
+  // Players' file systems know neither letter cases nor blanks and dots at the end.
+  std::string_view name = fileName;
+  name = name.substr(0, name.find_last_not_of(" .") + 1);
+  const size_t kept = findIgnoringAsciiCase(name, ".xml.damaged");
+  if (kept != std::string_view::npos) name = name.substr(0, kept + 4);
+  return equalIgnoringCase(name, index);
+}
+
 bool PodcastIndexFiles::write(const ChannelIndex& index, const std::string& channelFolder,
                               const std::string& channelName) const {
   bool takesOver = index.origin() == ChannelIndex::Origin::DeviceFile;

@@ -44,6 +44,8 @@ class PodcastIndexFiles final : public PodcastSource {
   ChannelIndex open(const QDUIPodcastXMLConverter& converter, const std::string& channelFolder,
                     const std::string& channelName, const Dictionary& hostChannel,
                     bool withHostEpisodes) const;
+  /// Whether a file of that name would lie where a channel's index lies, or one that was kept beside it.
+  static bool isNameOfIndex(const std::string& fileName, const std::string& channelName);
   /// Writes it back, as `sendXmlData` does.
   bool write(const ChannelIndex& index, const std::string& channelFolder,
              const std::string& channelName) const;

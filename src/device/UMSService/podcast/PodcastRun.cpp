@@ -196,10 +196,11 @@ std::optional<PodcastRun::Next> PodcastRun::resolve(const Value& element, const 
     context_.log.write(1, method, "Episode Medias File Path is nil.");
     return refused(refusals.nilSource, observed);
   }
-  // A name of blanks alone is cleaned away, and what is left names the folder.
+  // A name of blanks alone is cleaned away, and what is left names the folder. The index's name is its own:
+  // an episode in its place would cost the channel.
   if (!episode.source->ends_with('/'))
     episode.target = episodeTarget(context_.log, place.folder, *episode.source, refusals.cleansNames);
-  if (!episode.target) {
+  if (!episode.target || PodcastIndexFiles::isNameOfIndex(lastPathComponent(*episode.target), place.name)) {
     context_.log.write(1, method, "Target Episode Path is nil. Next episode processing.");
     return refused(refusals.nilTarget, observed);
   }
