@@ -26,7 +26,7 @@ class FakeFileService final : public OVFileService {
     }
   };
 
-  MaybeArray diskInformation() override { return Array(); }
+  MaybeArray diskInformation() override { return disks; }
   MaybeString modelName() override { return model; }
   bool createFolder(const MaybeString&) override { return false; }
   bool syncWriteFileToDevice(const MaybeDictionary& fileInformation, const MaybeString& subFolderName,
@@ -41,6 +41,7 @@ class FakeFileService final : public OVFileService {
   }
 
   MaybeString model = "Foreign";
+  Array disks;
   std::function<bool(const Write&)> onWrite;
   std::vector<Write> writes;
 };

@@ -90,5 +90,28 @@ TEST_F(DeviceToDeviceThreads, BothStopForACancelInAHandler) {
             2);
 }
 
+/// The destination waits for a thread of its own, and so does the worker: a release there must not wait for
+/// the worker.
+TEST_F(DeviceToDeviceTest, MayBeReleasedInAHandlerOnAThreadOfTheDestinations) {
+  auto foreign = std::make_shared<FakeFileService>();
+  foreign->onWrite = [](const FakeFileService::Write& call) {
+    bool goesOn = true;
+    std::thread([&] { goesOn = call.callbackObject->transferProgressInfoEx(call.context, 4, 4); }).join();
+    return call.answer(goesOn, goesOn ? uint32_t{kErrorNone} : uint32_t{kErrorStopped});
+  };
+  foreign->disks.append(Dictionary{{key::kDiskType, 1}, {key::kDiskIndex, 0}, {key::kVolumePath, there}});
+  destination = foreign;
+  add("1.mp3", "song");
+  add("2.mp3", "song");
+  notifications.onEach([this](const Notification& posted) {
+    if (posted.name == kTransferProgressNotification) service.reset();
+  });
+  const auto kept = std::weak_ptr(service);
+  ASSERT_TRUE(std::shared_ptr(service)->copyContentsDeviceToDevice(kRequest, *request.contents, "location-1",
+                                                                   "location-2", kMediaMusic, 0));
+  EXPECT_TRUE(items.waitFor(2));
+  EXPECT_TRUE(kept.expired());
+}
+
 }  // namespace
 }  // namespace umsservice::testing

@@ -144,6 +144,19 @@ TEST_F(Life, OfWhatAServiceIsAskedForLeavesNothingBehind) {
                             context:song
                               error:NULL];
        }},
+      {"runs",
+       [&] {
+         _serviceinfo record = {};
+         record.serviceID = 1;
+         record.command = 213;
+         record.mediaType = 1;
+         record.destPath = string(internal + "/Music");
+         record.contents = [NSArray arrayWithObject:song];
+         ASSERT_TRUE([service doUmsFileService:&record]);
+         record.command = 205;
+         record.contents = [NSArray arrayWithObject:content(internal + "/Music/song0.mp3", "song0.mp3")];
+         ASSERT_TRUE([service doUmsFileService:&record]);
+       }},
       {"listings",
        [&] {
          [service fileNameList:0 mediaType:1 diskIndex:0];
