@@ -20,10 +20,10 @@ namespace {
 
 using umsservice::Data;
 
-constexpr unsigned kLargest = 32u << 20;
+constexpr unsigned kLargestPicture = 32u << 20;
 
 std::optional<Data> dataOf(const TagLib::ByteVector& bytes) {
-  if (bytes.isEmpty() || bytes.size() > kLargest) return std::nullopt;
+  if (bytes.isEmpty() || bytes.size() > kLargestPicture) return std::nullopt;
   const auto* first = reinterpret_cast<const std::byte*>(bytes.data());
   return Data(first, first + bytes.size());
 }

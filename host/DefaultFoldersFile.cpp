@@ -15,7 +15,7 @@ namespace {
 using nlohmann::json;
 using umsservice::FileSystem;
 
-constexpr size_t kLargest = 1u << 20;
+constexpr size_t kLargestProfile = 1u << 20;
 
 /// Walks over the bytes and counts the lines, which the parser does not tell of what it has read.
 struct LineCounter {
@@ -59,9 +59,9 @@ std::optional<std::string> folderFrom(const std::string& text) {
 }
 
 /// Takes the document part by part and stops at the first that has no place in a profile.
-class Reader final : public nlohmann::json_sax<json> {
+class ProfileReader final : public nlohmann::json_sax<json> {
  public:
-  Reader(std::map<std::string, DefaultFoldersFile::Folders>& folders, const size_t& line)
+  ProfileReader(std::map<std::string, DefaultFoldersFile::Folders>& folders, const size_t& line)
       : folders_(folders), lineNow_(line) {}
 
   const std::string& cause() const { return cause_; }
@@ -140,7 +140,7 @@ std::string bytesOf(FileSystem& files, const std::string& path, const std::strin
   auto refuse = [&](const std::string& cause) { return Refusal(ExitStatus::Usage, shown, cause); };
   auto opened = files.openForReading(path);
   if (!opened) throw refuse(opened.error().words());
-  std::string bytes(kLargest + 1, '\0');
+  std::string bytes(kLargestProfile + 1, '\0');
   size_t length = 0;
   while (length < bytes.size()) {
     auto read = (*opened)->read(bytes.data() + length, bytes.size() - length);
@@ -148,7 +148,7 @@ std::string bytesOf(FileSystem& files, const std::string& path, const std::strin
     if (*read == 0) break;
     length += *read;
   }
-  if (length > kLargest) throw refuse("it is too large for a profile");
+  if (length > kLargestProfile) throw refuse("it is too large for a profile");
   bytes.resize(length);
   return bytes;
 }
@@ -160,7 +160,7 @@ DefaultFoldersFile::DefaultFoldersFile(FileSystem& files, const std::string& pat
     : internal_(internal), card_(card) {
   const std::string bytes = bytesOf(files, absolutePath(path), path);
   size_t line = 1;
-  Reader reader(folders_, line);
+  ProfileReader reader(folders_, line);
   const LineCounter begin{bytes.data(), &line}, end{bytes.data() + bytes.size(), &line};
   if (json::sax_parse(begin, end, &reader)) return;
   throw Refusal(ExitStatus::Usage, path, "line " + std::to_string(reader.line()) + ": " + reader.cause());

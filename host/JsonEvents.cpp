@@ -27,7 +27,7 @@ std::string hexOf(const std::string& bytes) {
 }
 
 /// Bytes that are no UTF-8 are replaced as the object is written.
-void setText(Json& object, const std::string& key, const std::string& text) {
+void putText(Json& object, const std::string& key, const std::string& text) {
   object[key] = text;
   if (!isUtf8(text)) object[key + "_hex"] = hexOf(text);
 }
@@ -40,28 +40,28 @@ void write(const Json& object) {
   print(object.dump(-1, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
-Json roomOf(const VolumeRoom& room) {
+Json roomObject(const VolumeRoom& room) {
   Json object = Json::object();
   if (room.index) object["index"] = *room.index;
   object["kind"] = room.kind;
-  setText(object, "path", room.path);
+  putText(object, "path", room.path);
   object["free_before"] = room.freeBefore;
   if (room.freeAfter) object["free_after"] = *room.freeAfter;
   return object;
 }
 
-Json clashOf(const Clash& clash) {
+Json clashObject(const Clash& clash) {
   Json object = Json::object();
-  setText(object, "source", clash.source);
-  setText(object, "destination", clash.destination);
+  putText(object, "source", clash.source);
+  putText(object, "destination", clash.destination);
   object["action"] = kClashes[static_cast<size_t>(clash.action)];
   return object;
 }
 
 void setMessage(Json& object, const char* level, const std::string& subject, const std::string& text) {
   object["level"] = level;
-  if (!subject.empty()) setText(object, "subject", subject);
-  setText(object, "text", text);
+  if (!subject.empty()) putText(object, "subject", subject);
+  putText(object, "text", text);
 }
 
 }  // namespace
@@ -72,10 +72,10 @@ void JsonEvents::planned(const Plan& plan) {
   object["items"] = plan.items;
   object["bytes"] = plan.bytes;
   object["volumes"] = Json::array();
-  for (const VolumeRoom& room : plan.volumes) object["volumes"].push_back(roomOf(room));
+  for (const VolumeRoom& room : plan.volumes) object["volumes"].push_back(roomObject(room));
   if (wishes_.dryRun) {
     object["clashes"] = Json::array();
-    for (const Clash& clash : plan.clashes) object["clashes"].push_back(clashOf(clash));
+    for (const Clash& clash : plan.clashes) object["clashes"].push_back(clashObject(clash));
   }
   write(object);
 }
@@ -88,7 +88,7 @@ void JsonEvents::progressed(const HowFar& progress) {
   object["bytes_passed"] = progress.passedBytes;
   object["bytes"] = progress.totalBytes;
   object["bytes_per_second"] = static_cast<uint64_t>(std::llround(std::max(0.0, progress.bytesPerSecond)));
-  if (!progress.name.empty()) setText(object, "name", progress.name);
+  if (!progress.name.empty()) putText(object, "name", progress.name);
   write(object);
 }
 
@@ -98,15 +98,15 @@ void JsonEvents::itemEnded(const EndedItem& item) {
   object["dry_run"] = wishes_.dryRun;
   object["index"] = outcome.index;
   object["outcome"] = kOutcomes[static_cast<size_t>(outcome.kind)];
-  setText(object, "name", item.name);
-  if (outcome.path) setText(object, "source", *outcome.path);
-  if (outcome.destPath) setText(object, "destination", *outcome.destPath);
+  putText(object, "name", item.name);
+  if (outcome.path) putText(object, "source", *outcome.path);
+  if (outcome.destPath) putText(object, "destination", *outcome.destPath);
   object["bytes"] = outcome.bytes;
   if (item.clash) object["clash"] = kClashes[static_cast<size_t>(*item.clash)];
   if (item.isVerified) object["verified"] = *item.isVerified;
   if (outcome.kind == Kind::Failed || outcome.kind == Kind::NotReached) {
     object["error"] = outcome.errorNumber;
-    setText(object, "cause", item.cause.empty() ? "cancelled" : item.cause);
+    putText(object, "cause", item.cause.empty() ? "cancelled" : item.cause);
     if (!item.cause.empty()) complain(item.name, item.cause);
   }
   write(object);
@@ -128,7 +128,7 @@ void JsonEvents::shown(const Shown& shown) {
     std::visit(
         [&](const auto& value) {
           if constexpr (std::is_same_v<std::decay_t<decltype(value)>, std::string>) {
-            setText(object, key, value);
+            putText(object, key, value);
           } else {
             object[key] = value;
           }

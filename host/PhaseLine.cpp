@@ -8,7 +8,7 @@ namespace umsctl {
 namespace {
 
 constexpr std::chrono::milliseconds kPatience{200};
-constexpr std::chrono::milliseconds kBetweenDrawings{100};
+constexpr std::chrono::milliseconds kBetweenPhases{100};
 
 }  // namespace
 
@@ -23,7 +23,7 @@ void PhaseLine::step(const char* what, size_t done, size_t all) {
   std::string line = std::string(what) + "  " + std::to_string(done) + "/" + std::to_string(all);
   printToError(kEraseLine + shortened(line, errorColumns() - 1));
   isDrawn_ = true;
-  next_ = Clock::now() + kBetweenDrawings;
+  next_ = Clock::now() + kBetweenPhases;
 }
 
 void PhaseLine::erase() {

@@ -28,7 +28,7 @@ using umsservice::MaybeDictionary;
 using umsservice::Value;
 
 /// Seconds after which the reader of a file is given up.
-constexpr std::chrono::seconds kPatience{10};
+constexpr std::chrono::seconds kAnswerTime{10};
 /// More than any path and any cover picture.
 constexpr uint64_t kLargestMessage = 64u << 20;
 
@@ -36,7 +36,7 @@ constexpr uint64_t kLargestMessage = 64u << 20;
 int descriptor = -1;
 std::mutex talking;
 
-bool writeAll(int to, const void* bytes, size_t size) {
+bool sendAll(int to, const void* bytes, size_t size) {
   const char* at = static_cast<const char*>(bytes);
   while (size > 0) {
     ssize_t length = ::write(to, at, size);
@@ -82,7 +82,7 @@ struct Message {
 
 bool send(int to, const Message& message) {
   const uint64_t head[] = {message.number, message.text.size()};
-  return writeAll(to, head, sizeof head) && writeAll(to, message.text.data(), message.text.size());
+  return sendAll(to, head, sizeof head) && sendAll(to, message.text.data(), message.text.size());
 }
 
 std::optional<Message> receive(int from, Clock::time_point deadline = Clock::time_point::max()) {
@@ -187,7 +187,7 @@ class Reader {
       end();
       if (!start(serversLine) || !send(line_, question)) return std::nullopt;
     }
-    auto answer = receive(line_, Clock::now() + kPatience);
+    auto answer = receive(line_, Clock::now() + kAnswerTime);
     if (answer && answer->number == question.number) return answer;
     end();
     return std::nullopt;
@@ -283,7 +283,7 @@ MaybeDictionary TagProcess::read(const std::string& path) {
   std::lock_guard lock(talking);
   if (descriptor < 0) return fileTags(path);
   if (!send(descriptor, {++number, path})) return std::nullopt;
-  auto answer = receive(descriptor, Clock::now() + 2 * kPatience);
+  auto answer = receive(descriptor, Clock::now() + 2 * kAnswerTime);
   // An answer that did not come whole and in time would be taken for one to a later question.
   if (!answer || answer->number != number) ::shutdown(descriptor, SHUT_RDWR);
   return answer && answer->number == number ? unpacked(answer->text) : std::nullopt;

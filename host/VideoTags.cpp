@@ -23,7 +23,7 @@ using umsservice::Dictionary;
 /// Enough for every index that a film keeps; a file that leads its reader back and forth ends here.
 constexpr uint64_t kMostBytes = 64u << 20;
 constexpr size_t kMostJumps = 1000;
-constexpr uint64_t kBlock = 256u << 10;
+constexpr uint64_t kVideoBlock = 256u << 10;
 
 /// Bits of the parser's answer.
 constexpr size_t kIsFinished = 1u << 3;
@@ -60,7 +60,7 @@ class OpenFilm {
 /// addresses of the network, and others for a series of files.
 void parse(const OpenFilm& film, MediaInfo& parser) {
   constexpr auto kNowhere = static_cast<uint64_t>(-1);
-  std::vector<unsigned char> buffer(kBlock);
+  std::vector<unsigned char> buffer(kVideoBlock);
   uint64_t at = 0, taken = 0;
   parser.Open_Buffer_Init(film.size(), 0);
   for (size_t jumps = 0; jumps < kMostJumps && taken < kMostBytes;) {

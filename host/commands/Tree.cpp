@@ -23,7 +23,7 @@ std::vector<std::string> textsOf(const Array& array) {
   return texts;
 }
 
-std::string counted(size_t count, const char* what) {
+std::string countOf(size_t count, const char* what) {
   return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
@@ -55,7 +55,7 @@ class TreePrinter {
   }
 
   void showTotal() const {
-    events_.remarked(counted(folders_, "folder") + ", " + counted(files_, "file") + ", " + byteText(bytes_) +
+    events_.remarked(countOf(folders_, "folder") + ", " + countOf(files_, "file") + ", " + byteText(bytes_) +
                      "\n");
   }
 

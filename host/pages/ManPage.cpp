@@ -49,7 +49,7 @@ std::string section(const std::string& title, const std::string& body) {
   return body.empty() ? "" : ".SH " + title + "\n" + body;
 }
 
-std::string prose(const std::string& text) {
+std::string roffProse(const std::string& text) {
   std::string page;
   for (const Block& block : blocksOf(text)) {
     page += block.isExample ? ".PP\n.RS 4\n.nf\n" : ".PP\n";
@@ -63,7 +63,7 @@ std::string entry(const std::string& title, const std::string& about) {
   return ".TP\n" + title + "\n" + escapedForRoff(about) + "\n";
 }
 
-std::string optionEntry(const OptionEntry& option) {
+std::string manEntry(const OptionEntry& option) {
   std::string title;
   for (const std::string& name : option.names) title += (title.empty() ? "" : ", ") + bold(name);
   return entry(title + (option.value.empty() ? "" : " " + italic(option.value)), option.about);
@@ -73,7 +73,7 @@ std::string options(const CommandEntry& command) {
   std::string page;
   for (const auto& group : groupsOf(command)) {
     if (group.front().group != "Options") page += ".SS " + escapedForRoff(group.front().group) + "\n";
-    for (const OptionEntry& option : group) page += optionEntry(option);
+    for (const OptionEntry& option : group) page += manEntry(option);
   }
   return page;
 }
@@ -97,8 +97,8 @@ std::string firstLine(const std::string& text) {
 }
 
 std::string description(const CommandEntry& command) {
-  if (command.words.empty()) return prose(command.about + "\n\n" + command.ending);
-  return prose(command.about + ".\n\n" + command.ending);
+  if (command.words.empty()) return roffProse(command.about + "\n\n" + command.ending);
+  return roffProse(command.about + ".\n\n" + command.ending);
 }
 
 std::string entries(const CommandEntry& command, const std::vector<Surrounding>& surroundings) {
@@ -188,7 +188,7 @@ std::string profilePage(const CommandEntry& program) {
   std::string page =
       head("umsctl-profile", "5", "File Formats", "default folders of a device, for --profile");
   for (const ProfileChapter& chapter : profileFormat())
-    page += section(upperCased(chapter.title), prose(chapter.text));
+    page += section(upperCased(chapter.title), roffProse(chapter.text));
   std::vector<std::string> readers{bold("umsctl") + "(1)"};
   walk(program, [&](const CommandEntry& command) {
     if (hasOption(command, "--profile")) readers.push_back(bold(command.title("-")) + "(1)");

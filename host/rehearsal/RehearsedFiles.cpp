@@ -15,7 +15,7 @@ using namespace umsservice;
 
 namespace {
 
-using Kind = RehearsedNote::Kind;
+using NoteKind = RehearsedNote::Kind;
 using Action = FileError::Action;
 
 std::string folderOf(const std::string& path) {
@@ -29,8 +29,8 @@ bool isAllowed(const std::string& path, int mode) {
 }
 
 FileResult<FileAttributes> attributesOf(const RehearsedNote& note, const std::string& path) {
-  if (note.kind == Kind::Gone) return FileError{ENOENT, Action::Reading, path};
-  return note.kind == Kind::Folder ? note.folder : note.file->attributes;
+  if (note.kind == NoteKind::Gone) return FileError{ENOENT, Action::Reading, path};
+  return note.kind == NoteKind::Folder ? note.folder : note.file->attributes;
 }
 
 }  // namespace
@@ -41,7 +41,7 @@ RehearsedFiles::RehearsedFiles(std::shared_ptr<FileSystem> real)
 bool RehearsedFiles::hasReplaced(const std::string& path) {
   std::lock_guard lock(tree_->mutex);
   const RehearsedNote* note = tree_->noteOf(tree_->keyOf(path));
-  return note && note->kind == Kind::File && note->hasReplaced;
+  return note && note->kind == NoteKind::File && note->hasReplaced;
 }
 
 VolumeSpace RehearsedFiles::spaceBefore(const std::string& path) {
@@ -90,9 +90,9 @@ FileResult<std::vector<DirectoryEntry>> RehearsedFiles::list(const std::string& 
   const auto notes = tree_->notesIn(key);
   std::erase_if(entries, [&](const DirectoryEntry& entry) { return notes.count(entry.name) > 0; });
   for (const auto& noted : notes) {
-    if (noted.second->kind == Kind::Gone) continue;
+    if (noted.second->kind == NoteKind::Gone) continue;
     entries.push_back(
-        {noted.first, noted.second->kind == Kind::Folder ? FileType::Directory : FileType::Regular});
+        {noted.first, noted.second->kind == NoteKind::Folder ? FileType::Directory : FileType::Regular});
   }
   return entries;
 }
@@ -155,7 +155,7 @@ FileResult<std::unique_ptr<FileHandle>> RehearsedFiles::openForReading(const std
   std::lock_guard lock(tree_->mutex);
   const RehearsedNote* note = tree_->noteOf(tree_->keyOf(path));
   if (!note) note = tree_->noteOf(tree_->keyOfTarget(path));
-  if (note && note->kind == Kind::Folder) return FileError{EISDIR, Action::Reading, path};
+  if (note && note->kind == NoteKind::Folder) return FileError{EISDIR, Action::Reading, path};
   if (note && note->file->bytes)
     return std::unique_ptr<FileHandle>(std::make_unique<RehearsedReading>(*note->file->bytes, found->size));
   // The bytes of a copy are those of its source, which nobody has kept.

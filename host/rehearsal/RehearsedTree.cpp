@@ -23,7 +23,7 @@ uint64_t takenBy(uint64_t size) {
   return (size + kBlock - 1) / kBlock * kBlock;
 }
 
-std::string folderOf(const std::string& key) {
+std::string folderOfKey(const std::string& key) {
   return key.substr(0, std::max<size_t>(key.rfind('/'), 1));
 }
 
@@ -39,7 +39,7 @@ std::string RehearsedTree::keyOf(const std::string& path) {
   const std::string item = withoutTrailingSlashes(path);
   const std::string name = lastComponent(item);
   if (name.empty() || name == "." || name == "..") return resolved(item);
-  const std::string folder = folderOf(item);
+  const std::string folder = folderOfKey(item);
   auto known = folders_.find(folder);
   if (known == folders_.end()) known = folders_.emplace(folder, resolved(folder)).first;
   return inFolder(known->second, name);
@@ -53,7 +53,7 @@ std::string RehearsedTree::keyOfTarget(const std::string& path) {
 const RehearsedNote* RehearsedTree::noteOf(const std::string& key) const {
   static const RehearsedNote hidden;
   if (auto found = notes_.find(key); found != notes_.end()) return &found->second;
-  for (std::string above = folderOf(key); above.size() > 1; above = folderOf(above)) {
+  for (std::string above = folderOfKey(key); above.size() > 1; above = folderOfKey(above)) {
     if (notes_.count(above) > 0) return &hidden;
   }
   return nullptr;
@@ -139,7 +139,7 @@ std::shared_ptr<RehearsedFile> RehearsedTree::newFile(const std::string& path, c
 
 std::string RehearsedTree::nearestReal(const std::string& path) const {
   std::string at = withoutTrailingSlashes(path);
-  while (at.size() > 1 && !real_->exists(at)) at = folderOf(at);
+  while (at.size() > 1 && !real_->exists(at)) at = folderOfKey(at);
   return at;
 }
 

@@ -36,10 +36,6 @@ FileType typeOfEntry(const dirent& entry) {
   }
 }
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
-
 class PosixFolder final : public FolderHandle {
  public:
   PosixFolder(DIR* stream, std::string path) : stream_(stream), path_(std::move(path)) {}

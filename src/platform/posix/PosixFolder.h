@@ -1,11 +1,17 @@
 /// A folder as an open descriptor, and what POSIX tells of items in the words of the seam.
 #pragma once
 
+#include <dirent.h>
 #include <sys/stat.h>
 
 #include "umsservice/FileSystem.h"
 
 namespace umsservice {
+
+/// For a pointer that owns an open folder.
+struct CloseFolder {
+  void operator()(DIR* folder) const { ::closedir(folder); }
+};
 
 FileAttributes attributesOf(const struct stat& status);
 

@@ -11,14 +11,12 @@
 #include <utility>
 #include <vector>
 
+#include "PosixFolder.h"
 #include "Retry.h"
 
 namespace umsservice {
 namespace {
 
-struct CloseFolder {
-  void operator()(DIR* folder) const { ::closedir(folder); }
-};
 using OpenFolder = std::unique_ptr<DIR, CloseFolder>;
 
 /// A folder on the way down, its descriptor closed while the walk is below it.

@@ -7,8 +7,6 @@
 namespace umsservice {
 namespace {
 
-constexpr int32_t kInternalDisk = 1;
-
 using ProfileQuery = MaybeString (ProfileInfo::*)(const MaybeString&);
 
 /// One row for each media type that has a folder.

@@ -7,7 +7,6 @@
 namespace umsservice {
 namespace {
 
-constexpr int32_t kInternalDisk = 1;
 constexpr int32_t kCardDisk = 2;
 
 void appendNumbered(std::vector<Value>& rebuilt, const std::vector<Value>& volumes, bool internal) {

@@ -8,6 +8,9 @@
 
 namespace umsservice {
 
+/// The "diskType" of internal memory; every other one is a card's.
+inline constexpr int32_t kInternalDisk = 1;
+
 class VolumeRegistry {
  public:
   /// Appends a volume and rebuilds the list: internal volumes first, then the others, each in the order in

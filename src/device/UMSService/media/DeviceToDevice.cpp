@@ -8,7 +8,7 @@
 namespace umsservice {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doDeviceToDevcieContents:]";
+constexpr auto kDeviceToDeviceMethod = "-[UMSService doDeviceToDevcieContents:]";
 
 /// A write that was stopped: the destination says NO and gives a stop code.
 bool wasStopped(const FileOutcome& outcome) {
@@ -20,10 +20,10 @@ bool wasStopped(const FileOutcome& outcome) {
 bool DeviceToDevice::run() {
   if (!findDestination()) return false;
   if (request_.mediaType == kMediaPodcast) {
-    context_.log.write(3, kMethod, "Media Type is podcast.");
+    context_.log.write(3, kDeviceToDeviceMethod, "Media Type is podcast.");
     return false;
   }
-  MediaRun run(tools_, request_, kMethod, request_.srcLocationID, request_.destLocationID,
+  MediaRun run(tools_, request_, kDeviceToDeviceMethod, request_.srcLocationID, request_.destLocationID,
                destination_->modelName());
   if (request_.playlistName) run.notifier().setPlaylistName(request_.playlistName);
   progress_ = std::make_shared<PeerProgress>(tools_, request_.serviceID);
@@ -33,11 +33,11 @@ bool DeviceToDevice::run() {
 bool DeviceToDevice::findDestination() {
   delegate_ = context_.identity.confirmDelegate();
   if (!delegate_) {
-    context_.log.write(3, kMethod, "Delegate is nil");
+    context_.log.write(3, kDeviceToDeviceMethod, "Delegate is nil");
     return false;
   }
   destination_ = delegate_->getFileServiceObject(request_.destLocationID);
-  if (!destination_) context_.log.write(3, kMethod, "Get target file service object fail");
+  if (!destination_) context_.log.write(3, kDeviceToDeviceMethod, "Get target file service object fail");
   return destination_ != nullptr;
 }
 

@@ -7,7 +7,7 @@
 namespace umsservice {
 namespace {
 
-constexpr auto kMethod = "-[UMSService syncUmsFile:atPath:index:mediaType:mediaData:context:]";
+constexpr auto kFallOverMethod = "-[UMSService syncUmsFile:atPath:index:mediaType:mediaData:context:]";
 
 }  // namespace
 
@@ -25,19 +25,19 @@ FileOutcome MediaFallOver::place(const MaybeString& srcPath, const FileOutcome& 
   }
   if (step == Step::Placed) return outcome_;
   if (!outcome_.result || outcome_.errorNumber != kErrorNone) {
-    context_.log.write(1, kMethod, "Sync %@ failed.", srcPath_);
+    context_.log.write(1, kFallOverMethod, "Sync %@ failed.", srcPath_);
   }
   return outcome_;
 }
 
 bool MediaFallOver::isPossible() const {
   if (!srcPath_) {
-    context_.log.write(1, kMethod, "Input Parameters is nil.");
+    context_.log.write(1, kFallOverMethod, "Input Parameters is nil.");
     return false;
   }
   size_t count = context_.volumes.count();
   if (failedIndex_ < count) return true;
-  context_.log.write(1, kMethod,
+  context_.log.write(1, kFallOverMethod,
                      "Input Parameter is invalid. Volume is not support. volumeIndex = %d, disk count = %d",
                      failedIndex_, count);
   return false;
@@ -47,7 +47,7 @@ MediaFallOver::Step MediaFallOver::tryVolume(uint32_t index) {
   if (!prepareFolder(index)) return Step::NextVolume;
   destPath_ = targetPath(destFolder_, lastPathComponent(*srcPath_));
   if (!destPath_) {
-    context_.log.write(1, kMethod, "Consist of Target Path Name is failed");
+    context_.log.write(1, kFallOverMethod, "Consist of Target Path Name is failed");
     return Step::NextVolume;
   }
   if (isCancelled() || isReleased()) return Step::Stop;
@@ -57,7 +57,7 @@ MediaFallOver::Step MediaFallOver::tryVolume(uint32_t index) {
     if (auto step = settleConflict()) return *step;
   }
   if (outcome_.result && outcome_.errorNumber == kErrorNone) return Step::Placed;
-  context_.log.write(1, kMethod, "Sync %@ to %@ failed. Send Next Storage", srcPath_, destPath_);
+  context_.log.write(1, kFallOverMethod, "Sync %@ to %@ failed. Send Next Storage", srcPath_, destPath_);
   return Step::NextVolume;
 }
 
@@ -65,19 +65,19 @@ bool MediaFallOver::prepareFolder(uint32_t index) {
   const PlacementRules& placement = *context_.environment.placementRules;
   MaybeString volumePath = context_.volumes.volumePath(placement.fallOverVolume(failedIndex_, index));
   if (!volumePath) {
-    context_.log.write(3, kMethod, "Get Volume Path is failed.");
+    context_.log.write(3, kFallOverMethod, "Get Volume Path is failed.");
     return false;
   }
   notifier_.setStorageIndex(index);
   MaybeString folder = context_.defaultFolders.defaultUmsMediaPath(index, mediaType_);
   if (!folder) {
-    context_.log.write(3, kMethod, "Consist of Media Default Path is failed.");
+    context_.log.write(3, kFallOverMethod, "Consist of Media Default Path is failed.");
     return false;
   }
   destFolder_ = placement.syncFolder(*volumePath, *folder);
   std::string made = placement.fallOverFolder(*destFolder_, *folder);
   if (tools_.folders.createFolder(made)) return true;
-  context_.log.write(1, kMethod, "Create Folder for %@ is failed", made);
+  context_.log.write(1, kFallOverMethod, "Create Folder for %@ is failed", made);
   notifier_.setTransferResult(kErrorCreateFolderFailed);
   notifier_.setFilePath(made);
   return false;
@@ -92,7 +92,7 @@ bool MediaFallOver::isCancelled() {
 /// The number stays what it is: a shutdown has none of its own here.
 bool MediaFallOver::isReleased() {
   if (!context_.isReleased()) return false;
-  context_.log.write(5, kMethod, "Device Disconnected - %@", context_.identity.currentLocationID());
+  context_.log.write(5, kFallOverMethod, "Device Disconnected - %@", context_.identity.currentLocationID());
   notifier_.cancelFileTransfer();
   return true;
 }

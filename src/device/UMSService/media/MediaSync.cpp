@@ -7,17 +7,17 @@
 namespace umsservice {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doSyncMediaContents:]";
+constexpr auto kSyncMethod = "-[UMSService doSyncMediaContents:]";
 
 }  // namespace
 
 bool MediaSync::run() {
   if (request_.mediaType == kMediaPodcast) {
-    context_.log.write(3, kMethod, "Media Type is not podcast. Media Type = %d", request_.mediaType);
+    context_.log.write(3, kSyncMethod, "Media Type is not podcast. Media Type = %d", request_.mediaType);
     return false;
   }
   const MaybeString location = context_.identity.currentLocationID();
-  MediaRun run(tools_, request_, kMethod, location, location, context_.identity.modelName());
+  MediaRun run(tools_, request_, kSyncMethod, location, location, context_.identity.modelName());
   return run.carryOut([&] { return chooseVolume(run) && prepareFolder(run); },
                       [&](const MediaItem& item) { return syncItem(run, item); });
 }
@@ -29,7 +29,7 @@ bool MediaSync::chooseVolume(MediaRun& run) {
     run.notifier().setStorageIndex(storageIndex_);
     return true;
   }
-  context_.log.write(3, kMethod, "Get Volume Path is failed.");
+  context_.log.write(3, kSyncMethod, "Get Volume Path is failed.");
   inAnyCase(
       context_, [&] { run.notifier().incFailTransferFileCount(); },  // one failure for the whole list
       [&] { run.tellAll(ItemOutcome::Kind::Failed, kErrorInvalidInput); });
@@ -39,7 +39,7 @@ bool MediaSync::chooseVolume(MediaRun& run) {
 bool MediaSync::prepareFolder(MediaRun& run) {
   MaybeString folder = context_.defaultFolders.defaultUmsMediaPath(storageIndex_, request_.mediaType);
   if (!folder) {
-    context_.log.write(3, kMethod, "Consist of Media Default Path is failed.");
+    context_.log.write(3, kSyncMethod, "Consist of Media Default Path is failed.");
     run.notifier().setTransferResult(kErrorBadSyncItem);
     run.allFailed(kErrorBadSyncItem);
     return false;
@@ -47,7 +47,7 @@ bool MediaSync::prepareFolder(MediaRun& run) {
   folder_ = context_.environment.placementRules->syncFolder(volumePath_, *folder);
   std::string words;
   if (tools_.folders.createFolder(folder_, &words)) return true;
-  context_.log.write(1, kMethod, "Create Folder for %@ is failed", folder);
+  context_.log.write(1, kSyncMethod, "Create Folder for %@ is failed", folder);
   run.notifier().setTransferResult(kErrorCreateFolderFailed);
   run.notifier().setFilePath(folder);
   run.allFailed(kErrorCreateFolderFailed, words);
@@ -83,7 +83,8 @@ std::optional<MediaSync::Next> MediaSync::settleConflict(MediaRun& run, const Me
 }
 
 MediaSync::Next MediaSync::tryOtherVolumes(MediaRun& run, const MediaItem& item, const FileOutcome& first) {
-  context_.log.write(1, kMethod, "Sync %@ to %@ failed. Send Next Storage.", item.filePath, item.destPath);
+  context_.log.write(1, kSyncMethod, "Sync %@ to %@ failed. Send Next Storage.", item.filePath,
+                     item.destPath);
   MediaFallOver fallOver(tools_, run.notifier(), request_.serviceID, storageIndex_, request_.mediaType);
   FileOutcome outcome = fallOver.place(item.filePath, first);
   const uint32_t answer = outcome.errorNumber.value_or(kErrorNone);

@@ -11,7 +11,7 @@ namespace {
 
 constexpr auto kSendMethod = "-[UMSService sendSmiFile:srcVideoPath:destPath:mediaType:]";
 constexpr auto kDeleteMethod = "-[UMSService deleteSmiFile:filePath:mediaType:]";
-constexpr auto kHandleMessage =
+constexpr auto kHandlesMessage =
     "Open file Handle failed! source file handle = %@, destination file handle = %@";
 
 /// The companion of a video in a folder; nil when the video's path names no file.
@@ -94,7 +94,7 @@ bool SubtitleCompanion::copyCompanion(const std::string& srcSmiPath, const std::
   // Opened first: a companion that cannot be read must not cost the one that is already there.
   auto source = files_.openForReading(srcSmiPath);
   if (!source) {
-    context_.log.write(3, kSendMethod, kHandleMessage, nullptr, nullptr);
+    context_.log.write(3, kSendMethod, kHandlesMessage, nullptr, nullptr);
     return false;
   }
   // A failing device can hide a file for a moment: a companion must not be emptied to be copied onto itself.
@@ -117,7 +117,7 @@ bool SubtitleCompanion::copyCompanion(const std::string& srcSmiPath, const std::
   FileStatus closed = (*destination)->close();
   if (copied.end == ChunkedCopyResult::End::Complete && closed) return true;
   const FileError& error = copied.error ? *copied.error : closed.error();
-  context_.log.write(3, kSendMethod, kHandleMessage, sourceHandle, destinationHandle);
+  context_.log.write(3, kSendMethod, kHandlesMessage, sourceHandle, destinationHandle);
   context_.log.write(3, kSendMethod, "Name : %@", "NSFileHandleOperationException");
   context_.log.write(3, kSendMethod, "Reason :%@", error.words());
   return false;

@@ -7,11 +7,7 @@
 #include "umsservice/Notifications.h"
 
 namespace umsservice {
-namespace {
-
-constexpr auto kChildren = "children";
-
-}  // namespace
+namespace {}  // namespace
 
 std::string fullEpisodePath(const std::string& channelFolder, const std::string& filePath) {
   bool isFull = filePath.size() >= channelFolder.size() &&

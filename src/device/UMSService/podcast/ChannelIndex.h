@@ -9,6 +9,7 @@
 #include <unordered_set>
 
 #include "EpisodeList.h"
+#include "PodcastChannel.h"
 #include "QDUIPodcastXMLConverter.h"
 
 namespace umsservice {

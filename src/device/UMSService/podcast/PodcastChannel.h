@@ -5,6 +5,9 @@
 
 namespace umsservice {
 
+/// What holds a channel's episodes in its dictionary.
+inline constexpr auto kChildren = "children";
+
 struct PodcastChannel {
   size_t index = 0;                            ///< 0-based position in the request's list
   MaybeDictionary dictionary;                  ///< nil for an element that is no channel

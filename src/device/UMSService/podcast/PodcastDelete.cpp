@@ -13,9 +13,8 @@ namespace {
 
 using Kind = ItemOutcome::Kind;
 
-constexpr auto kMethod = "-[UMSService doDeletePodcastContents:]";
+constexpr auto kDeleteMethod = "-[UMSService doDeletePodcastContents:]";
 constexpr auto kDelete = "Delete";
-constexpr auto kChildren = "children";
 
 /// The host's channel as an index would hold it: hosts give full paths, an index has bare names.
 Dictionary withBareNames(const PodcastChannel& channel) {
@@ -39,13 +38,13 @@ bool PodcastDelete::run() {
   PodcastRun::Scope scope = PodcastRun::onThisDevice(context_, request_);
   scope.episodes = tools_.sizes.totalPodcastCount(request_.contents);
   PodcastRun run(tools_, request_, scope);
-  run.carryOut(kMethod, [&](const PodcastChannel& channel) { return deleteChannel(run, channel); });
+  run.carryOut(kDeleteMethod, [&](const PodcastChannel& channel) { return deleteChannel(run, channel); });
   return status_;
 }
 
 bool PodcastDelete::deleteChannel(PodcastRun& run, const PodcastChannel& channel) {
   if (!channel.dictionary) {
-    run.refuseNilChannel(channel, kErrorBadDeleteItem, kMethod);
+    run.refuseNilChannel(channel, kErrorBadDeleteItem, kDeleteMethod);
     return true;
   }
   auto place = run.placeOf(channel, request_.destPath);
@@ -53,7 +52,7 @@ bool PodcastDelete::deleteChannel(PodcastRun& run, const PodcastChannel& channel
     run.refuseChannel(channel, kErrorBadDeleteItem);
     return true;
   }
-  if (!run.hasEpisodes(channel, kMethod)) return true;
+  if (!run.hasEpisodes(channel, kDeleteMethod)) return true;
   if (channel.dictionary->get(kDelete).boolValue()) return deleteWholeChannel(run, channel, *place);
   Shrinking shrinking{
       channel, *place,
@@ -62,7 +61,7 @@ bool PodcastDelete::deleteChannel(PodcastRun& run, const PodcastChannel& channel
       channel, [&](const Value& element) { return deleteEpisode(run, shrinking, element); },
       [&] {
         run.ledger().countRestOf(channel, {Kind::NotReached, kErrorStopped});
-        status_ = shrinking.folderGone || run.writeIndex(shrinking.index, *place, kMethod);
+        status_ = shrinking.folderGone || run.writeIndex(shrinking.index, *place, kDeleteMethod);
       });
   return true;
 }
@@ -73,7 +72,7 @@ bool PodcastDelete::deleteWholeChannel(PodcastRun& run, const PodcastChannel& ch
   notifier.setFilePath(place.folder);
   notifier.setChannelName(place.name);
   notifier.setPodcastXmlData(channel.dictionary);
-  if (run.endsForRelease(kMethod)) return false;
+  if (run.endsForRelease(kDeleteMethod)) return false;
   const auto episodes = static_cast<uint32_t>(channel.episodes->size());
   FileOutcome outcome = tools_.media.files.remove(place.folder);
   status_ = outcome.result;
@@ -96,18 +95,18 @@ bool PodcastDelete::deleteWholeChannel(PodcastRun& run, const PodcastChannel& ch
 }
 
 PodcastDelete::Next PodcastDelete::deleteEpisode(PodcastRun& run, Shrinking& channel, const Value& element) {
-  if (run.endsForCancel(kMethod)) return Next::EndOfChannel;
+  if (run.endsForCancel(kDeleteMethod)) return Next::EndOfChannel;
   auto episode = element.dictionary();
   if (!episode) {
-    context_.log.write(1, kMethod, "Episode Data is nil.");
+    context_.log.write(1, kDeleteMethod, "Episode Data is nil.");
     return run.refused(kErrorBadDeleteItem, kErrorBadDeleteItem);
   }
   MaybeString file = fileOf(*episode);
   if (!file) {
-    context_.log.write(1, kMethod, "Episode Medias File Path is nil.");
+    context_.log.write(1, kDeleteMethod, "Episode Medias File Path is nil.");
     return run.refused(kErrorBadDeleteItem, kErrorBadDeleteItem);
   }
-  if (run.endsForRelease(kMethod)) return Next::EndOfChannel;
+  if (run.endsForRelease(kDeleteMethod)) return Next::EndOfChannel;
   const uint64_t bytes = sizeOf(*file);
   FileOutcome outcome = tools_.media.files.remove(file);
   const uint32_t errorNumber = outcome.errorNumber.value_or(kErrorNone);
@@ -156,7 +155,7 @@ PodcastDelete::Next PodcastDelete::deleted(PodcastRun& run, Shrinking& channel, 
   channel.hasShrunk |= channel.index.episodeCount() < before;
   Dictionary podcast = channel.index.dictionary();
   if (channel.index.episodeCount() == 0 && (channel.folderGone || mayRemoveFolder(channel))) {
-    if (!channel.folderGone && run.endsForRelease(kMethod)) {
+    if (!channel.folderGone && run.endsForRelease(kDeleteMethod)) {
       run.ledger().count({Kind::Done, kErrorNone, std::nullopt, bytes});
       return Next::EndOfChannel;
     }

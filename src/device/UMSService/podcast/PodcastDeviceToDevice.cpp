@@ -9,8 +9,8 @@
 namespace umsservice {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doDeviceToDevicePodcast:]";
-constexpr PodcastRun::Refusals kRefusals = {kErrorBadCopyItem, kErrorBadCopyItem, kErrorBadCopyItem};
+constexpr auto kDeviceToDeviceMethod = "-[UMSService doDeviceToDevicePodcast:]";
+constexpr PodcastRun::Refusals kSendRefusals = {kErrorBadCopyItem, kErrorBadCopyItem, kErrorBadCopyItem};
 
 /// What the destination is told of an episode. It goes by "FileName", or else by the path's last component;
 /// the file has to arrive under the name that the index gives it.
@@ -27,7 +27,7 @@ Dictionary describedFor(const PodcastEpisode& episode) {
 }  // namespace
 
 bool PodcastDeviceToDevice::run() {
-  if (!PodcastRun::isForPodcasts(context_, request_, kMethod)) return false;
+  if (!PodcastRun::isForPodcasts(context_, request_, kDeviceToDeviceMethod)) return false;
   delegate_ = context_.identity.confirmDelegate();
   if (delegate_) destination_ = delegate_->getFileServiceObject(request_.destLocationID);
   if (!destination_) return false;
@@ -36,13 +36,14 @@ bool PodcastDeviceToDevice::run() {
   scope.bytes = tools_.sizes.totalPodcastFileSize(request_.contents, scope.episodes);
   PodcastRun run(tools_, request_, scope);
   progress_ = std::make_shared<PeerProgress>(tools_.media, request_.serviceID);
-  run.carryOut(kMethod, [&](const PodcastChannel& channel) { return sendChannel(run, channel); });
+  run.carryOut(kDeviceToDeviceMethod,
+               [&](const PodcastChannel& channel) { return sendChannel(run, channel); });
   return status_;
 }
 
 bool PodcastDeviceToDevice::sendChannel(PodcastRun& run, const PodcastChannel& channel) {
   if (!channel.dictionary) {
-    run.refuseNilChannel(channel, kErrorBadCopyItem, kMethod);
+    run.refuseNilChannel(channel, kErrorBadCopyItem, kDeviceToDeviceMethod);
     return true;
   }
   auto place = run.placeOf(channel, request_.destPath);
@@ -50,20 +51,20 @@ bool PodcastDeviceToDevice::sendChannel(PodcastRun& run, const PodcastChannel& c
     run.refuseChannel(channel, kErrorBadCopyItem);
     return true;
   }
-  if (!run.hasEpisodes(channel, kMethod)) return true;
+  if (!run.hasEpisodes(channel, kDeviceToDeviceMethod)) return true;
   ChannelIndex index =
       tools_.indexes.open(run.converter(), place->folder, place->name, *channel.dictionary, false);
-  if (run.endsForRelease(kMethod)) return false;
+  if (run.endsForRelease(kDeviceToDeviceMethod)) return false;
   status_ = destination_->createFolder(place->folder);
   if (!status_) {
-    run.folderFailed(channel, *place, {}, kMethod);
+    run.folderFailed(channel, *place, {}, kDeviceToDeviceMethod);
     return true;
   }
   run.forEachEpisode(
       channel, [&](const Value& element) { return sendEpisode(run, channel, *place, index, element); },
       [&] {
         run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
-        status_ = run.writeIndex(index, *place, kMethod);
+        status_ = run.writeIndex(index, *place, kDeviceToDeviceMethod);
       });
   return true;
 }
@@ -71,10 +72,10 @@ bool PodcastDeviceToDevice::sendChannel(PodcastRun& run, const PodcastChannel& c
 PodcastDeviceToDevice::Next PodcastDeviceToDevice::sendEpisode(PodcastRun& run, const PodcastChannel& channel,
                                                                const ChannelPlace& place, ChannelIndex& index,
                                                                const Value& element) {
-  if (run.endsForCancel(kMethod)) return Next::EndOfChannel;
+  if (run.endsForCancel(kDeviceToDeviceMethod)) return Next::EndOfChannel;
   PodcastEpisode episode;
-  if (auto next = run.resolve(element, place, kRefusals, episode, kMethod)) return *next;
-  if (run.endsForRelease(kMethod)) return Next::EndOfChannel;
+  if (auto next = run.resolve(element, place, kSendRefusals, episode, kDeviceToDeviceMethod)) return *next;
+  if (run.endsForRelease(kDeviceToDeviceMethod)) return Next::EndOfChannel;
   FileOutcome outcome = write(run, place, episode);
   if (isStopCode(*outcome.errorNumber)) return run.stopped(episode, outcome);
   if (outcome.errorNumber == kErrorFileExists) {
@@ -115,7 +116,8 @@ PodcastDeviceToDevice::Next PodcastDeviceToDevice::conclude(PodcastRun& run, con
   run.notifier().setTransferResult(*outcome.errorNumber);
   if (outcome.errorNumber == kErrorVolumeFull) return run.volumeFull(channel, episode, outcome);
   if (!outcome.result || outcome.errorNumber != kErrorNone) {
-    context_.log.write(1, kMethod, "Podcast Download %@ to %@ failed.", episode.source, episode.target);
+    context_.log.write(1, kDeviceToDeviceMethod, "Podcast Download %@ to %@ failed.", episode.source,
+                       episode.target);
     return run.failed(episode, place, outcome);
   }
   // A destination that could not make its folder answers YES all the same; the observer is told the truth.

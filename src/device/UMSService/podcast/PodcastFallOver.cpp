@@ -7,7 +7,7 @@ namespace umsservice {
 namespace {
 
 /// Paths are used as they are given, and only the count tells the host of an episode without one.
-constexpr PodcastChannelSync::Manner kManner = {
+constexpr PodcastChannelSync::Manner kFallOverManner = {
     "-[UMSService syncUmsPodcastFile:index:mediaType:podcastInfo:xmlConverter:context:]",
     {std::nullopt, std::nullopt, std::nullopt, false},
     true};
@@ -39,12 +39,12 @@ uint32_t PodcastFallOver::place(const PodcastChannel& channel, uint32_t failedIn
 
 bool PodcastFallOver::isPossible(const PodcastChannel& channel, uint32_t failedIndex) const {
   if (!channel.dictionary) {
-    context_.log.write(1, kManner.method, "Input Parameter is invalid.");
+    context_.log.write(1, kFallOverManner.method, "Input Parameter is invalid.");
     return false;
   }
   size_t count = context_.volumes.count();
   if (failedIndex < count) return true;
-  context_.log.write(1, kManner.method,
+  context_.log.write(1, kFallOverManner.method,
                      "Input Parameter is invalid. Volume is not support. volumeIndex = %d, disk count = %d",
                      failedIndex, count);
   return false;
@@ -71,27 +71,28 @@ PodcastFallOver::Step PodcastFallOver::tryVolume(const PodcastChannel& channel, 
   const PlacementRules& placement = *context_.environment.placementRules;
   MaybeString volumePath = context_.volumes.volumePath(placement.fallOverVolume(failedIndex, index));
   if (!volumePath) {
-    context_.log.write(3, kManner.method, "Get Volume Path is failed.");
+    context_.log.write(3, kFallOverManner.method, "Get Volume Path is failed.");
     return Step::NextVolume;
   }
   run_.notifier().setStorageIndex(index);
   MaybeString folder = context_.defaultFolders.defaultUmsMediaPath(index, request_.mediaType);
   MaybeString podcastFolder = folder ? MaybeString(placement.syncFolder(*volumePath, *folder)) : std::nullopt;
   if (!podcastFolder) {
-    context_.log.write(3, kManner.method, "Consist of Podcast Default Path is failed.");
+    context_.log.write(3, kFallOverManner.method, "Consist of Podcast Default Path is failed.");
     run_.notifier().incFailTransferFileCount();
     return Step::NextVolume;
   }
-  if (!run_.hasEpisodes(channel, kManner.method)) return Step::NextVolume;
+  if (!run_.hasEpisodes(channel, kFallOverManner.method)) return Step::NextVolume;
   if (!tools_.sizes.checkUmsPodcastEpisodeSize(volumePath, Array(*channel.episodes))) {
-    context_.log.write(5, kManner.method, "%@ volume not enought memory. Send Next volume", volumePath);
+    context_.log.write(5, kFallOverManner.method, "%@ volume not enought memory. Send Next volume",
+                       volumePath);
     return Step::NextVolume;
   }
   auto place = run_.placeOf(channel, podcastFolder);
   if (!place) return Step::NextVolume;
   restorePaths(channel);
   run_.ledger().attempt(channel);
-  PodcastChannelSync sync(tools_, run_, request_.serviceID, kManner);
+  PodcastChannelSync sync(tools_, run_, request_.serviceID, kFallOverManner);
   auto end = sync.sync(channel, *place, placement.fallOverFolder(*podcastFolder, *folder));
   tried_ = true;
   written_ = end == PodcastChannelSync::End::Written;

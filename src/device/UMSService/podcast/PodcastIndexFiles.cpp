@@ -15,7 +15,6 @@ namespace {
 constexpr auto kCheckMethod = "-[UMSService checkXmlData:channelName:]";
 constexpr auto kSendMethod = "-[UMSService sendXmlData:xmlDocument:filePath:podcastName:]";
 constexpr auto kMendMethod = "-[UMSService umsPodcastXmlData:]";
-constexpr auto kChildren = "children";
 
 std::string indexPath(const std::string& channelFolder, const std::string& channelName) {
   return channelFolder + "/" + channelName + ".xml";

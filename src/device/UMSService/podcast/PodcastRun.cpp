@@ -17,7 +17,7 @@ std::vector<PodcastChannel> channelsOf(const MaybeArray& contents) {
   if (!contents) return channels;
   for (const Value& element : contents->snapshot()) {
     PodcastChannel channel{channels.size(), element.dictionary(), std::nullopt};
-    auto episodes = channel.dictionary ? channel.dictionary->get("children").array() : std::nullopt;
+    auto episodes = channel.dictionary ? channel.dictionary->get(kChildren).array() : std::nullopt;
     if (episodes) channel.episodes = episodes->snapshot();
     channels.push_back(std::move(channel));
   }

@@ -24,7 +24,7 @@ void PodcastSizes::visitChannels(const MaybeArray& podcasts, const char* method,
   if (!podcasts) return;
   for (const Value& element : podcasts->snapshot()) {
     auto podcast = element.dictionary();
-    auto episodes = podcast ? podcast->get("children").array() : std::nullopt;
+    auto episodes = podcast ? podcast->get(kChildren).array() : std::nullopt;
     if (!podcast) {
       context_.log.write(1, method, "Contents data is nil. Next data search");
     } else if (!episodes) {

@@ -5,28 +5,28 @@
 namespace umsservice {
 namespace {
 
-constexpr auto kMethod = "-[UMSService doSyncPodcastContents:]";
+constexpr auto kSyncMethod = "-[UMSService doSyncPodcastContents:]";
 /// Of an episode without a path only the count tells the host.
-constexpr PodcastChannelSync::Manner kManner = {
-    kMethod, {kErrorBadSyncItem, std::nullopt, kErrorBadSyncItem}, false};
+constexpr PodcastChannelSync::Manner kSyncManner = {
+    kSyncMethod, {kErrorBadSyncItem, std::nullopt, kErrorBadSyncItem}, false};
 
 }  // namespace
 
 bool PodcastSync::run() {
-  if (!PodcastRun::isForPodcasts(context_, request_, kMethod)) return false;
+  if (!PodcastRun::isForPodcasts(context_, request_, kSyncMethod)) return false;
   PodcastRun::Scope scope = PodcastRun::onThisDevice(context_, request_);
   scope.storageIndex = 0;  // not chosen yet
   scope.bytes = tools_.sizes.totalPodcastFileSize(request_.contents, scope.episodes);
   PodcastRun run(tools_, request_, scope);
   if (!chooseVolume(run)) return false;
-  run.carryOut(kMethod, [&](const PodcastChannel& channel) { return syncChannel(run, channel); });
+  run.carryOut(kSyncMethod, [&](const PodcastChannel& channel) { return syncChannel(run, channel); });
   return status_;
 }
 
 bool PodcastSync::chooseVolume(PodcastRun& run) {
   MaybeString path = context_.volumes.volumePathWithOption(request_.isStartInternal != 0, storageIndex_);
   if (!path) {
-    context_.log.write(3, kMethod, "Get Storage Path is failed.");
+    context_.log.write(3, kSyncMethod, "Get Storage Path is failed.");
     run.ledger().countRest({ItemOutcome::Kind::Failed, kErrorInvalidInput});
     return false;
   }
@@ -38,22 +38,22 @@ bool PodcastSync::chooseVolume(PodcastRun& run) {
 
 bool PodcastSync::syncChannel(PodcastRun& run, const PodcastChannel& channel) {
   if (!channel.dictionary) {
-    run.refuseNilChannel(channel, kErrorBadSyncItem, kMethod);
+    run.refuseNilChannel(channel, kErrorBadSyncItem, kSyncMethod);
     return true;
   }
   auto place = podcastFolder_ ? run.placeOf(channel, podcastFolder_) : std::nullopt;
   if (!place) {
-    context_.log.write(3, kMethod, "Consist of Podcast Default Path is failed.");
+    context_.log.write(3, kSyncMethod, "Consist of Podcast Default Path is failed.");
     run.refuseChannel(channel, kErrorBadSyncItem);
     return true;
   }
-  if (!run.hasEpisodes(channel, kMethod)) return true;
+  if (!run.hasEpisodes(channel, kSyncMethod)) return true;
   if (!tools_.sizes.checkUmsPodcastEpisodeSize(volumePath_, Array(*channel.episodes))) {
     tryOtherVolumes(run, channel);
     return true;
   }
   run.notifier().setStorageIndex(storageIndex_);  // a fall-over before has left its own
-  PodcastChannelSync sync(tools_, run, request_.serviceID, kManner);
+  PodcastChannelSync sync(tools_, run, request_.serviceID, kSyncManner);
   auto end = sync.sync(channel, *place, place->folder);
   if (end == PodcastChannelSync::End::Released) return false;
   run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
@@ -62,7 +62,7 @@ bool PodcastSync::syncChannel(PodcastRun& run, const PodcastChannel& channel) {
 }
 
 void PodcastSync::tryOtherVolumes(PodcastRun& run, const PodcastChannel& channel) {
-  context_.log.write(5, kMethod, "%@ volume not enought memory. Send Next volume", volumePath_);
+  context_.log.write(5, kSyncMethod, "%@ volume not enought memory. Send Next volume", volumePath_);
   PodcastFallOver fallOver(tools_, run, request_);
   const uint32_t answer = fallOver.place(channel, storageIndex_);
   if (fallOver.wasTried()) status_ = fallOver.wasWritten();
