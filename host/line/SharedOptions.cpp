@@ -61,7 +61,7 @@ void addCopying(CLI::App& command, Wishes& wishes) {
   };
   command
       .add_option_function<std::string>("--on-conflict", choose,
-                                        "What to do with a file that is there already")
+                                        "For names that are taken; unless said, ask at a terminal, else skip")
       ->type_name("ask|skip|overwrite");
   command.add_flag("--verify", wishes.verifies, "Read back what was written and compare");
   addDryRun(command, wishes);

@@ -33,7 +33,9 @@ const std::vector<Surrounding>& exitStatuses() {
        "usage",
        {{{}, "The command line makes no sense; nothing has been touched."},
         {{"--profile"}, "The profile cannot be read, or something in it is wrong."},
-        {{"--yes"}, "There is no terminal to ask at, and --yes is not given: nothing is deleted."}}},
+        {{"--yes"},
+         "There is no terminal to ask at, and --yes is not given: nothing is deleted. A dry run asks "
+         "nobody."}}},
       {"3",
        "no such volume",
        {{{"--internal"}, "The folder of a volume is not there, or is no folder."},
