@@ -1,6 +1,6 @@
 # Debian's man pages are compressed; without the time, so that the same build gives the same package.
-file(GLOB_RECURSE pages "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/umsctl*.1")
-list(FILTER pages INCLUDE REGEX "/man1/")
+file(GLOB_RECURSE pages "${CPACK_TEMPORARY_INSTALL_DIRECTORY}/umsctl*.[15]")
+list(FILTER pages INCLUDE REGEX "/man[15]/")
 if(NOT pages)
   message(FATAL_ERROR "no man page in ${CPACK_TEMPORARY_INSTALL_DIRECTORY}")
 endif()

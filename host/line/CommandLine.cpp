@@ -30,6 +30,27 @@ std::vector<std::string> forParser(const std::vector<std::string>& arguments) {
   return plain;
 }
 
+/// The command that the line had come to when it stopped making sense; `words` are those it was called by,
+/// each with a blank in front.
+const CLI::App& reached(const CLI::App& app, std::string& words) {
+  const CLI::App* command = &app;
+  for (auto below = app.get_subcommands(); !below.empty(); below = command->get_subcommands()) {
+    command = below.front();
+    words += " " + command->get_name();
+  }
+  return *command;
+}
+
+/// A word where a command should stand is told as that, and not as an argument too many.
+std::string causeOf(const CLI::App& command, const std::string& words, const CLI::ParseError& error) {
+  const bool isGroup = !command.get_subcommands([](const CLI::App*) { return true; }).empty();
+  const auto unknown = command.remaining();
+  if (!isGroup) return error.what();
+  if (unknown.empty()) return command.get_parent() ? error.what() : "a command is missing";
+  if (unknown.front().starts_with('-')) return "there is no option " + unknown.front();
+  return "there is no command" + words + " " + unknown.front();
+}
+
 ExitStatus explained(const CLI::App& app, const CLI::ParseError& error) {
   std::ostringstream out;
   std::ostringstream err;
@@ -38,13 +59,9 @@ ExitStatus explained(const CLI::App& app, const CLI::ParseError& error) {
     print(text.ends_with('\n') ? text : text + "\n");
     return ExitStatus::AllDone;
   }
-  const auto chosen = app.get_subcommands();
-  const auto unknown = app.remaining();
-  std::string command = chosen.empty() ? "" : " " + chosen.front()->get_name();
-  std::string cause = error.what();
-  if (chosen.empty())
-    cause = unknown.empty() ? "a command is missing" : "there is no command " + unknown.front();
-  complain("", escaped(cause) + "\nTry 'umsctl" + command + " --help'.");
+  std::string words;
+  const CLI::App& command = reached(app, words);
+  complain("", escaped(causeOf(command, words, error)) + "\nTry 'umsctl" + words + " --help'.");
   return ExitStatus::Usage;
 }
 

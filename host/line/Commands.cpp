@@ -1,6 +1,9 @@
 #include "line/Commands.h"
 
 #include <CLI/CLI.hpp>
+#include <memory>
+
+#include "line/Surroundings.h"
 
 namespace umsctl {
 namespace {
@@ -10,11 +13,25 @@ constexpr auto kAbout =
     "into the folder of its kind (Music, DCIM/Camera) on the internal memory or the\n"
     "card.";
 
-constexpr auto kEnding =
-    "Exit status: 0 all done (skipped files included), 1 something failed, 2 usage,\n"
-    "3 no such volume, 130 cancelled (Ctrl-C; a second Ctrl-C ends at once and may\n"
-    "leave a part of a file).\n"
-    "Diagnostics: DEBUG.plist beside the program with the number DEBUG_LEVEL, 1 to 7.";
+constexpr auto kEnding = "Diagnostics: DEBUG.plist beside the program with the number DEBUG_LEVEL, 1 to 7.";
+
+/// "umsctl-podcast-push"
+std::string pageOf(const CLI::App& command) {
+  return command.get_parent() ? pageOf(*command.get_parent()) + "-" + command.get_name() : command.get_name();
+}
+
+/// Below what a command says of itself stands what holds for all of them. Pages that are made from the
+/// commands have chapters for that, so it is no part of the command's own words.
+class HelpFormatter final : public CLI::Formatter {
+ public:
+  std::string make_footer(const CLI::App* command) const override {
+    std::string statuses;
+    for (const Surrounding& status : exitStatuses())
+      statuses += (statuses.empty() ? "Exit status: " : ", ") + status.name + " " + status.brief;
+    const std::string own = command->get_footer();
+    return own + (own.empty() ? "" : "\n\n") + statuses + "\nMore: man " + pageOf(*command) + "\n";
+  }
+};
 
 }  // namespace
 
@@ -24,11 +41,13 @@ void defineCommands(CLI::App& app, Command& chosen) {
   app.require_subcommand(1);
   app.set_version_flag("--version", "umsctl " UMSCTL_VERSION, "Show the version and end");
   app.set_help_flag("-h,--help", "Show this help and end");
-  app.footer(kEnding);
-  app.get_formatter()->column_width(30);
-  app.get_formatter()->label("SUBCOMMAND", "COMMAND");
+  auto formatter = std::make_shared<HelpFormatter>();
+  formatter->column_width(30);
+  formatter->label("SUBCOMMAND", "COMMAND");
+  app.formatter(formatter);  // the commands have it from the program
   for (auto add : {addCopyCommands, addLookCommands, addRemovalCommands, addPodcastCommands})
     add(app, chosen);
+  app.footer(kEnding);  // last: commands have it from the program otherwise
 }
 
 }  // namespace umsctl

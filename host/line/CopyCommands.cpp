@@ -91,7 +91,9 @@ void addPut(CLI::App& app, Command& chosen) {
   addVolumes(command, options->volumes, true);
   addCopying(command, chosen.wishes);
   command.add_option("FILE", options->from, "File on the computer")->required()->type_name("");
-  command.add_option("DEVICE_PATH", options->to, "Where it goes: below a volume; a folder keeps its name")
+  command
+      .add_option("DEVICE_PATH", options->to,
+                  "Where it goes, below a volume; into a folder under its own name")
       ->required()
       ->type_name("");
 }
@@ -102,7 +104,7 @@ void addGet(CLI::App& app, Command& chosen) {
   addVolumes(command, options->volumes, true);
   addCopying(command, chosen.wishes);
   command.add_option("DEVICE_PATH", options->from, "File below a volume")->required()->type_name("");
-  command.add_option("FILE", options->to, "Where it goes on the computer; a folder keeps its name")
+  command.add_option("FILE", options->to, "Where it goes on the computer; into a folder under its own name")
       ->required()
       ->type_name("");
 }

@@ -8,7 +8,7 @@ namespace umsctl {
 namespace {
 
 constexpr auto kInputEnding =
-    "FEED is an RSS 2.0 feed; each episode's file is looked for in the folder of the\n"
+    "--feed is an RSS 2.0 feed; each episode's file is looked for in the folder of the\n"
     "downloads, under the last part of the address of its enclosure. Episodes that are\n"
     "not there are left out. --from-json takes the channel itself, or a list of\n"
     "channels: texts under the names of the index (Title, Link, ...) and the episodes\n"
@@ -85,7 +85,7 @@ void addPodcastSend(CLI::App& podcast, Command& chosen) {
   CLI::App& command = *podcast.add_subcommand("send", "Copy channels from one device to another");
   auto options = optionsOf(command, chosen, podcastSend);
   addSendingVolumes(command, options->from);
-  command.add_option("--from-profile", options->from.profile, "Default folders of that device, as JSON")
+  command.add_option("--from-profile", options->from.profile, "Default folders of that device")
       ->type_name("FILE");
   command.add_option("--on", options->on, "Volume of the channels; 0 unless said")->type_name("0|1");
   addVolumes(command, options->volumes, false);
@@ -103,7 +103,8 @@ void addPodcastSend(CLI::App& podcast, Command& chosen) {
 }  // namespace
 
 void addPodcastCommands(CLI::App& app, Command& chosen) {
-  CLI::App& podcast = *app.add_subcommand("podcast", "Bring podcasts to the device; see podcast --help");
+  CLI::App& podcast =
+      *app.add_subcommand("podcast", "Bring podcasts to the device: push, sync, ls, rm, send");
   podcast.group("Commands");
   podcast.require_subcommand(0, 1);
   podcast.callback([&podcast] {

@@ -14,7 +14,7 @@ CLI::App& addCommand(CLI::App& app, const std::string& name, const std::string& 
 void addVolumes(CLI::App& command, VolumeFolders& volumes, bool required) {
   command.add_option("--internal", volumes.internal, "Folder of the internal memory")->type_name("DIR");
   command.add_option("--card", volumes.card, "Folder of the memory card")->type_name("DIR");
-  command.add_option("--profile", volumes.profile, "Default folders of the device, as JSON")
+  command.add_option("--profile", volumes.profile, "Default folders of the device; see man umsctl-profile")
       ->type_name("FILE");
   if (required) command.callback([&volumes] { requireVolumes(volumes); });
 }
@@ -61,7 +61,7 @@ void addCopying(CLI::App& command, Wishes& wishes) {
   };
   command
       .add_option_function<std::string>("--on-conflict", choose,
-                                        "What to do with a file that is there already")
+                                        "For names that are taken; unless said, ask at a terminal, else skip")
       ->type_name("ask|skip|overwrite");
   command.add_flag("--verify", wishes.verifies, "Read back what was written and compare");
   addDryRun(command, wishes);

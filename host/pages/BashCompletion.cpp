@@ -41,8 +41,8 @@ std::string elsewhere(const CommandEntry& command) {
 
 std::string commandCase(const CommandEntry& command) {
   return "    \"" + joined(command.words, " ") + "\")\n" + valueCases(command) +
-         "      if [[ \"$current\" == -* ]]; then _umsctl_words \"" + optionWords(command) + "\"; else " +
-         elsewhere(command) + "; fi ;;\n";
+         "      if [[ \"$current\" == -* && -z \"$names\" ]]; then _umsctl_words \"" + optionWords(command) +
+         "\"; else " + elsewhere(command) + "; fi ;;\n";
 }
 
 /// The commands that have commands of their own; behind them a second word belongs to the command.
@@ -66,7 +66,7 @@ _umsctl_folders() { compopt +o default -o dirnames 2>/dev/null; }
 _umsctl_files() { :; }
 
 _umsctl() {
-  local current="${COMP_WORDS[COMP_CWORD]}" previous="${COMP_WORDS[COMP_CWORD - 1]}" command="" word i
+  local current="${COMP_WORDS[COMP_CWORD]}" previous="${COMP_WORDS[COMP_CWORD - 1]}" command="" names="" word i
   COMPREPLY=()
   # --option=value comes as three words.
   if [[ "$current" == "=" ]]; then
@@ -74,6 +74,8 @@ _umsctl() {
   elif [[ "$previous" == "=" ]]; then
     previous="${COMP_WORDS[COMP_CWORD - 2]}"
   fi
+  # What follows "--" are names, dashes or not.
+  for ((i = 1; i < COMP_CWORD; i++)); do [[ "${COMP_WORDS[i]}" == -- ]] && names=only; done
   for ((i = 1; i < COMP_CWORD; i++)); do
     word="${COMP_WORDS[i]}"
     [[ "$word" == -* ]] && continue

@@ -1,4 +1,5 @@
 #include "pages/Pages.h"
+#include "pages/ProfileFormat.h"
 #include "pages/Prose.h"
 
 namespace umsctl {
@@ -11,6 +12,8 @@ std::string escapedForCell(const std::string& text) {
     if (letter == '|') escaped += '\\';
     if (letter == '<') {
       escaped += "&lt;";
+    } else if (letter == '\n') {
+      escaped += "<br>";
     } else {
       escaped += letter;
     }
@@ -84,6 +87,26 @@ std::string overview(const CommandEntry& program) {
   return table("command", rows);
 }
 
+std::string surroundingsTable(const CommandEntry& program, const std::string& title,
+                              const std::vector<Surrounding>& surroundings) {
+  std::string rows;
+  for (const Surrounding& surrounding : surroundings)
+    rows += row(code(surrounding.name), escapedForCell(joined(remarksFor(program, surrounding), "\n")));
+  return table(title, rows);
+}
+
+/// What holds for all commands.
+std::string surroundings(const CommandEntry& program) {
+  std::string page = "## Exit statuses\n\n" + surroundingsTable(program, "status", exitStatuses());
+  page += "## Environment\n\n" + surroundingsTable(program, "variable", environmentVariables());
+  page += std::string(kEnvironmentEnding) + "\n\n## Profiles\n\n";
+  for (const ProfileChapter& chapter : profileFormat()) {
+    if (&chapter != &profileFormat().front()) page += "### " + chapter.title + "\n\n";
+    page += prose(chapter.text);
+  }
+  return page;
+}
+
 std::string chapter(const CommandEntry& command) {
   std::string page = "## " + command.title() + "\n\n";
   if (!command.words.empty()) page += command.about + ".\n\n";
@@ -97,7 +120,12 @@ std::string commandReference(const CommandEntry& program) {
   std::string page =
       "# Commands of umsctl\n\n<!-- Made from the definition of the commands; do not edit. -->\n\n";
   page += prose(program.about) + overview(program);
+  page +=
+      "For all of them: [exit statuses](#exit-statuses), [environment](#environment), and "
+      "[profiles](#profiles) of "
+      "devices\nwith folders of their own.\n\n";
   walk(program, [&](const CommandEntry& command) { page += chapter(command); });
+  page += surroundings(program);
   page.pop_back();  // one end of line is enough at the end of the page
   return page;
 }

@@ -51,6 +51,28 @@ std::string CommandEntry::title(const std::string& separator) const {
   return words.empty() ? "umsctl" : "umsctl" + separator + joined(words, separator);
 }
 
+bool hasOption(const CommandEntry& command, const std::string& name) {
+  return std::any_of(command.options.begin(), command.options.end(), [&name](const OptionEntry& option) {
+    return std::find(option.names.begin(), option.names.end(), name) != option.names.end();
+  });
+}
+
+std::vector<std::string> remarksFor(const CommandEntry& command, const Surrounding& surrounding) {
+  std::vector<std::string> remarks;
+  const std::string words = joined(command.words, " ");
+  for (const Remark& remark : surrounding.remarks) {
+    const bool isForAll = remark.of.empty();
+    const bool isMeant = std::any_of(remark.of.begin(), remark.of.end(), [&](const std::string& name) {
+      return name == words || hasOption(command, name);
+    });
+    const bool isProgram = command.words.empty();
+    if (!isForAll && !isMeant && !isProgram) continue;
+    const bool isNamed = isProgram && !isForAll && !remark.of.front().starts_with('-');
+    remarks.push_back((isNamed ? joined(remark.of, ", ") + ": " : "") + remark.words);
+  }
+  return remarks;
+}
+
 CommandEntry commandTree() {
   CLI::App app;
   Command chosen;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "line/Surroundings.h"
+
 namespace umsctl {
 
 /// An option or a flag.
@@ -37,6 +39,13 @@ struct CommandEntry {
   /// "umsctl podcast push", with any separator.
   std::string title(const std::string& separator = " ") const;
 };
+
+/// Whether a command has the option of that name, such as "--yes".
+bool hasOption(const CommandEntry& command, const std::string& name);
+
+/// What of a status or a variable concerns a command; of the program everything does, and what holds for some
+/// commands only has their names in front. Empty when nothing does.
+std::vector<std::string> remarksFor(const CommandEntry& command, const Surrounding& surrounding);
 
 /// The program itself, with all of its commands below.
 CommandEntry commandTree();

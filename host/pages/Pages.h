@@ -10,6 +10,9 @@ namespace umsctl {
 /// The man page of one command, in the macros of man(7); `program` is the root of the tree.
 std::string manPage(const CommandEntry& program, const CommandEntry& command);
 
+/// The man page of the file behind --profile.
+std::string profilePage(const CommandEntry& program);
+
 /// Completion scripts, by the shell that reads them.
 std::string bashCompletion(const CommandEntry& program);
 std::string zshCompletion(const CommandEntry& program);

@@ -1,5 +1,5 @@
 /// Writes the man pages, the completions and the reference of umsctl into a folder:
-///   umsctl_pages FOLDER     man1/, bash/umsctl, zsh/_umsctl, fish/umsctl.fish, commands.md
+///   umsctl_pages FOLDER     man1/, man5/, bash/umsctl, zsh/_umsctl, fish/umsctl.fish, commands.md
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -25,6 +25,7 @@ void writePages(const fs::path& folder) {
   umsctl::walk(program, [&](const umsctl::CommandEntry& command) {
     write(folder / "man1" / (command.title("-") + ".1"), umsctl::manPage(program, command));
   });
+  write(folder / "man5" / "umsctl-profile.5", umsctl::profilePage(program));
   write(folder / "bash" / "umsctl", umsctl::bashCompletion(program));
   write(folder / "zsh" / "_umsctl", umsctl::zshCompletion(program));
   write(folder / "fish" / "umsctl.fish", umsctl::fishCompletion(program));

@@ -15,8 +15,10 @@ std::string shellNamed(const std::string& name) {
 }
 
 /// What fish would offer behind a line, one word on each line.
-std::vector<std::string> offeredByFish(const std::string& shell, const std::string& line) {
+std::vector<std::string> offeredByFish(const std::string& shell, const std::string& line,
+                                       const std::string& folder = "") {
   Setting setting;
+  setting.folder = folder;
   setting.program = shell;
   Ended ended = umsctl(
       {"--no-config", "-c", "source " TEST_PAGES "/fish/umsctl.fish; complete -C '" + line + "'"}, setting);
@@ -47,6 +49,13 @@ class TypedShell {
   RunningProgram program_;
 };
 
+/// A folder in which a folder and a file begin alike, and a file like an option.
+std::string folderOfLikeNames(const Sandbox& sandbox) {
+  sandbox.file("names/here/song.mp3", "x");
+  sandbox.file("names/-odd.mp3", "x");
+  return std::filesystem::path(sandbox.file("names/hear.mp3", "x")).parent_path();
+}
+
 TEST_F(Completion, OfBashKnowsCommandsOptionsAndChoices) {
   std::string shell = shellNamed("bash");
   if (shell.empty()) GTEST_SKIP() << "bash is not installed";
@@ -59,6 +68,22 @@ TEST_F(Completion, OfBashKnowsCommandsOptionsAndChoices) {
   bash.expect("one\t", "overwrite one\\ song.mp3 ");
   bash.expect("\numsctl podcast s\t\t", "send  sync");
   bash.expect("\numsctl sync --on-conflict=s\t", "--on-conflict=skip ");
+  bash.leave();
+}
+
+TEST_F(Completion, OfBashTellsValuesFoldersAndFilesApart) {
+  std::string shell = shellNamed("bash");
+  if (shell.empty()) GTEST_SKIP() << "bash is not installed";
+  Setting setting{.atTerminal = true, .columns = 120, .folder = folderOfLikeNames(sandbox), .program = shell};
+  TypedShell bash({"--noprofile", "--norc", "-i"}, setting, "source " TEST_PAGES "/bash/umsctl");
+  bash.expect("umsctl ls --type v\t", "--type video ");
+  bash.expect("\numsctl push --to \t\t", "0  1");
+  bash.expect("\numsctl push --internal her\t", "--internal here/");
+  bash.expect("\numsctl df --card=he\t", "--card=here/");
+  bash.expect("\numsctl mkdir he\t", "mkdir here/");
+  bash.expect("\numsctl push he\t\t", "hear.mp3  here/");
+  bash.expect("\numsctl df --profile hea\t", "--profile hear.mp3 ");
+  bash.expect("\numsctl push -- -\t", "-- -odd.mp3 ");
   bash.leave();
 }
 
@@ -75,6 +100,23 @@ TEST_F(Completion, OfZshKnowsCommandsOptionsAndChoices) {
   zsh.leave();
 }
 
+TEST_F(Completion, OfZshTellsValuesFoldersAndFilesApart) {
+  std::string shell = shellNamed("zsh");
+  if (shell.empty()) GTEST_SKIP() << "zsh is not installed";
+  Setting setting{
+      .atTerminal = true, .columns = 120, .folder = folderOfLikeNames(sandbox), .program = shellNamed("env")};
+  TypedShell zsh({"TERM=dumb", shell, "-f", "-i"}, setting,
+                 "fpath=(" TEST_PAGES "/zsh $fpath); autoload -U compinit; compinit -u -D");
+  zsh.expect("umsctl ls --type v\t", "--type video ");
+  zsh.expect("\numsctl push --to \t", "0  1");
+  zsh.expect("\x15umsctl push --internal he\t", "--internal here/");
+  zsh.expect("\numsctl df --card=he\t", "--card=here/");
+  zsh.expect("\numsctl mkdir he\t", "mkdir here/");
+  zsh.expect("\numsctl push he\t", "hear.mp3  here/");
+  zsh.expect("\x15umsctl df --profile hea\t", "--profile hear.mp3 ");
+  zsh.leave();
+}
+
 TEST_F(Completion, OfFishKnowsCommandsOptionsAndChoices) {
   std::string shell = shellNamed("fish");
   if (shell.empty()) GTEST_SKIP() << "fish is not installed";
@@ -85,6 +127,23 @@ TEST_F(Completion, OfFishKnowsCommandsOptionsAndChoices) {
   EXPECT_EQ(offeredByFish(shell, "umsctl podcast s"), (Words{"send", "sync"}));
   EXPECT_EQ(offeredByFish(shell, "umsctl podcast sync --fee"), (Words{"--feed"}));
   EXPECT_EQ(offeredByFish(shell, "umsctl df --fee"), Words{});
+}
+
+TEST_F(Completion, OfFishTellsValuesFoldersAndFilesApart) {
+  std::string shell = shellNamed("fish");
+  if (shell.empty()) GTEST_SKIP() << "fish is not installed";
+  const std::string folder = folderOfLikeNames(sandbox);
+  auto offered = [&](const std::string& line) { return offeredByFish(shell, "umsctl " + line, folder); };
+  using Words = std::vector<std::string>;
+  EXPECT_EQ(offered("ls --type "), (Words{"all", "image", "music", "podcast", "video"}));
+  EXPECT_EQ(offered("push --to "), (Words{"0", "1"}));
+  EXPECT_EQ(offered("push --internal he"), Words{"here/"});
+  EXPECT_EQ(offered("df --card=he"), Words{"--card=here/"});
+  EXPECT_EQ(offered("mkdir he"), Words{"here/"});
+  EXPECT_EQ(offered("push he"), (Words{"hear.mp3", "here/"}));
+  EXPECT_EQ(offered("df --profile he"), (Words{"hear.mp3", "here/"}));
+  EXPECT_EQ(offered("podcast rm he"), Words{});
+  EXPECT_EQ(offered("df he"), Words{});
 }
 
 }  // namespace

@@ -30,7 +30,7 @@ TEST_F(Flags, AreTheSameForEveryCommand) {
     Lines line = command;
     line.emplace_back("--help");
     const std::string help = umsctl(line).output;
-    for (const std::string flag : {"--json", "-q,--quiet", "-v,--verbose"})
+    for (const std::string flag : {"--json", "-q,--quiet", "-v,--verbose", "--no-color"})
       EXPECT_NE(help.find(flag), std::string::npos) << ::testing::PrintToString(command) << flag;
     bool isLooking = command.back() == "ls" || command.back() == "df" || command.back() == "tree";
     EXPECT_EQ(help.find("-n,--dry-run") == std::string::npos, isLooking) << ::testing::PrintToString(command);

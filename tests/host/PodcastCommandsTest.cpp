@@ -387,7 +387,8 @@ TEST_F(PodcastCommands, SayWhatIsWrongWithTheCommandLine) {
   for (const auto& [arguments, cause] : kRows) {
     Ended ended = umsctl(arguments);
     EXPECT_EQ(ended.status, 2);
-    EXPECT_EQ(ended.error, std::string("umsctl: ") + cause + "\nTry 'umsctl podcast --help'.\n");
+    const std::string command = "podcast" + (arguments.size() > 1 ? " " + arguments[1] : "");
+    EXPECT_EQ(ended.error, std::string("umsctl: ") + cause + "\nTry 'umsctl " + command + " --help'.\n");
   }
   EXPECT_EQ(umsctl({"podcast", "dance"}).status, 2);
   EXPECT_EQ(umsctl(podcast("rm", {})).status, 2);

@@ -1,4 +1,6 @@
+#include <algorithm>
 #include <filesystem>
+#include <sstream>
 
 #include "HostTest.h"
 
@@ -58,6 +60,63 @@ TEST_F(Usage, SaysWhatIsWrongAndWhereToLook) {
   EXPECT_EQ(
       umsctl(pushing({"--on-conflict", "\x1b[2J", "a.mp3"})).error,
       "umsctl: --on-conflict: \\x1b[2J is none of ask, skip and overwrite\nTry 'umsctl push --help'.\n");
+}
+
+TEST_F(Usage, PointsToTheHelpOfTheVeryCommand) {
+  auto errorOf = [this](const std::vector<std::string>& line) {
+    Ended ended = umsctl(line);
+    EXPECT_EQ(ended.status, 2);
+    return ended.error;
+  };
+  EXPECT_EQ(errorOf({"podcast", "rm", "--internal", phone}),
+            "umsctl: CHANNEL is required\nTry 'umsctl podcast rm --help'.\n");
+  EXPECT_EQ(errorOf({"podcast", "push", "--internal", phone}),
+            "umsctl: give either --feed FILE with --episodes DIR, or --from-json FILE\n"
+            "Try 'umsctl podcast push --help'.\n");
+  EXPECT_EQ(errorOf({"podcast", "fetch"}),
+            "umsctl: there is no command podcast fetch\nTry 'umsctl podcast --help'.\n");
+  EXPECT_EQ(
+      errorOf({"podcast"}),
+      "umsctl: a podcast command is missing: push, sync, ls, rm or send\nTry 'umsctl podcast --help'.\n");
+  EXPECT_EQ(errorOf({"--frobnicate"}), "umsctl: there is no option --frobnicate\nTry 'umsctl --help'.\n");
+}
+
+TEST_F(Usage, HelpTellsTheExitStatusesAndWhereToReadOn) {
+  for (const std::string command : {"", "df", "push", "podcast", "podcast send"}) {
+    std::vector<std::string> line;
+    std::istringstream words(command);
+    for (std::string word; words >> word;) line.push_back(word);
+    line.emplace_back("--help");
+    std::string page = "umsctl" + (command.empty() ? "" : "-" + command);
+    std::replace(page.begin(), page.end(), ' ', '-');
+    EXPECT_TRUE(umsctl(line).output.ends_with(
+        "\n\nExit status: 0 all done, 1 some failed, 2 usage, 3 no such volume, 130 cancelled\nMore: man " +
+        page + "\n"))
+        << command;
+  }
+  EXPECT_NE(umsctl({"push", "--help"}).output.find("see man umsctl-profile\n"), std::string::npos);
+}
+
+TEST_F(Usage, ProfileOfTheReferenceIsOneAndItsUsualFoldersAreTheUsualOnes) {
+  std::string reference = bytesOf(TEST_DOCS "/commands.md");
+  reference.erase(0, reference.find("\n## Profiles\n"));
+  const size_t begin = reference.find("\n    {\n"), end = reference.find("\n    }\n");
+  ASSERT_LT(begin, end);
+  const std::string profile = sandbox.file("player.json", reference.substr(begin, end - begin + 7));
+  const std::vector<std::string> files{media("plain-hum.mp3"), media("sunrise.jpg"), media("harbour.mp4")};
+  auto line = pushing(files);
+  line.insert(line.end(), {"--profile", profile});
+  EXPECT_EQ(umsctl(line).status, 0);
+  for (const char* copy : {"/Songs/plain-hum.mp3", "/DCIM/sunrise.jpg", "/Films/harbour.mp4"})
+    EXPECT_TRUE(exists(phone + copy)) << copy;
+  // What is told in a pair of words beside the kinds.
+  EXPECT_EQ(umsctl(pushing(files)).status, 0);
+  EXPECT_NE(reference.find("\n    music      Music unless said\n"), std::string::npos);
+  EXPECT_TRUE(exists(phone + "/Music/plain-hum.mp3"));
+  EXPECT_NE(reference.find("\n    image      DCIM/Camera unless said\n"), std::string::npos);
+  EXPECT_TRUE(exists(phone + "/DCIM/Camera/sunrise.jpg"));
+  EXPECT_NE(reference.find("\n    video      DCIM/Camera unless said\n"), std::string::npos);
+  EXPECT_TRUE(exists(phone + "/DCIM/Camera/harbour.mp4"));
 }
 
 TEST_F(Usage, EndsWithThreeForAVolumeThatIsNotThere) {
