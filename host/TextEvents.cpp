@@ -42,7 +42,7 @@ std::string finishedLine(const EndedItem& item, bool isDryRun) {
          (item.isVerified == true ? "  (verified)" : "") + "\n";
 }
 
-bool isFailure(const umsservice::ItemOutcome& outcome) {
+bool didNotArrive(const umsservice::ItemOutcome& outcome) {
   return outcome.kind == Kind::Failed || outcome.kind == Kind::NotReached;
 }
 
@@ -77,7 +77,7 @@ bool TextEvents::tellsFinished(const TransferManner& manner) const {
 
 void TextEvents::itemEnded(const EndedItem& item) {
   // What a person cancelled needs no list.
-  if (isFailure(item.outcome)) {
+  if (didNotArrive(item.outcome)) {
     if (item.cause.empty()) return;
     std::lock_guard lock(mutex_);
     failures_.push_back(

@@ -101,6 +101,13 @@ EpisodeItems itemsOfFeed(const Errand& errand, CleanLinks& links, const std::str
   return items;
 }
 
+/// Without one, episodes cannot be told apart: they would enter the index once more with each push.
+bool hasUrl(const Dictionary& episode) {
+  const Value url = episode.get("Url");
+  return url.kind() != Value::Kind::Absent && url.kind() != Value::Kind::Null &&
+         url.string() != std::string();
+}
+
 /// One channel as a person wrote it down. Relative paths count from the folder of the downloads, or else from
 /// the working folder.
 void takeChannel(FileSystem& files, CleanLinks& links, EpisodeItems& items, const Value& element,
@@ -114,6 +121,7 @@ void takeChannel(FileSystem& files, CleanLinks& links, EpisodeItems& items, cons
     auto episode = child.dictionary();
     if (!episode) refuse(*input.json, "one of the \"children\" is no episode: an object is expected");
     std::string path = episode->string(key::kFilePath).value_or("");
+    if (!hasUrl(*episode) && !path.empty()) episode->set("Url", path.substr(path.rfind('/') + 1));
     if (path.empty()) {
       items.addRefused(*episode, episode->string("Url").value_or("(an episode)"), "it has no \"FilePath\"");
     } else if (path.front() != '/' && input.episodes) {

@@ -112,6 +112,21 @@ TEST_F(PodcastCommands, PushTakesAPodcastWrittenAsJson) {
   EXPECT_NE(bytesOf(phone + "/Podcast/A_B/A_B.xml").find("<Duration>7</Duration>"), std::string::npos);
 }
 
+TEST_F(PodcastCommands, PushKnowsEpisodesWithoutAnAddressByTheirFiles) {
+  const std::string json = sandbox.file("channel.json", R"({"Title": "News", "children": [
+      {"Title": "One", "FilePath": ")" + media("plain-hum.mp3") +
+                                                            R"("},
+      {"Title": "Two", "Url": "", "FilePath": ")" + media("morning-tone.mp3") +
+                                                            R"("}]})");
+  for (int i = 0; i < 2; ++i)
+    EXPECT_EQ(umsctl(podcast("push", {"--on-conflict", "overwrite", "--from-json", json})).status, 0);
+  const std::string index = bytesOf(phone + "/Podcast/News/News.xml");
+  EXPECT_EQ(index.find("<Url>plain-hum.mp3</Url>"), index.rfind("<Url>plain-hum.mp3</Url>"));
+  EXPECT_NE(index.find("<Url>morning-tone.mp3</Url>"), std::string::npos);
+  EXPECT_EQ(umsctl(podcast("rm", {"--yes", "News", "One", "Two"})).status, 0);
+  EXPECT_FALSE(exists(phone + "/Podcast/News"));
+}
+
 TEST_F(PodcastCommands, PushRefusesWhatIsNoPodcastBeforeAnythingIsWritten) {
   const std::string name = sandbox.at("channel.json");
   const std::pair<const char*, const char*> kRows[] = {

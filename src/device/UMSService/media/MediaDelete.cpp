@@ -5,18 +5,18 @@
 namespace umsservice {
 namespace {
 
-constexpr auto kDeleteMethod = "-[UMSService doDeleteMediaContents:]";
+constexpr auto kDeleteContentsMethod = "-[UMSService doDeleteMediaContents:]";
 
 }  // namespace
 
 bool MediaDelete::run() {
   const ServiceContext& context = tools_.context;
   if (request_.mediaType == kMediaPodcast) {
-    context.log.write(3, kDeleteMethod, "Media Type is not podcast. Media Type = %d", request_.mediaType);
+    context.log.write(3, kDeleteContentsMethod, "Media Type is not podcast. Media Type = %d", request_.mediaType);
     return false;
   }
   const MaybeString location = context.identity.currentLocationID();
-  MediaRun run(tools_, request_, kDeleteMethod, location, location, context.identity.modelName());
+  MediaRun run(tools_, request_, kDeleteContentsMethod, location, location, context.identity.modelName());
   run.setLastResult(true);
   return run.carryOut({}, [&](const MediaItem& item) { return deleteItem(run, item); });
 }
@@ -31,7 +31,7 @@ MediaRun::Next MediaDelete::deleteItem(MediaRun& run, const MediaItem& item) {
   run.setLastResult(outcome.result);
   run.notifier().setTransferResult(outcome.errorNumber.value_or(kErrorNone));
   if (!outcome.result) {
-    tools_.context.log.write(1, kDeleteMethod, "Delete %@ file is failed", item.filePath);
+    tools_.context.log.write(1, kDeleteContentsMethod, "Delete %@ file is failed", item.filePath);
     return run.failed(item, outcome);
   }
   tools_.companions.deleteSmiFile(item.filePath, request_.mediaType);

@@ -1,5 +1,6 @@
 #include "PodcastSizes.h"
 
+#include "PodcastChannel.h"
 #include "umsservice/Notifications.h"
 
 namespace umsservice {
