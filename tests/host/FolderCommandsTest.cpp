@@ -138,8 +138,28 @@ TEST_F(Rmdir, RemovesAFullFolderOnlyWhenThatIsSaid) {
   EXPECT_EQ(ended.error,
             "umsctl: " + folder + ": it is not empty; --recursive removes it with everything in it\n");
   EXPECT_EQ(bytesOf(song), "la");
-  EXPECT_EQ(umsctl({"rmdir", "--recursive", folder}).status, 0);
+  EXPECT_EQ(umsctl({"rmdir", "--yes", "--recursive", folder}).status, 0);
   EXPECT_TRUE(treeOf(phone).empty());
+}
+
+TEST_F(Rmdir, AsksBeforeAFullFolderGoes) {
+  sandbox.file("phone/Music/Live/song.mp3", "lala");
+  const Lines line{"rmdir", "-r", phone + "/Music"};
+  Ended refused = umsctl(line, {.input = "y\n"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(
+      refused.error,
+      "umsctl: nothing is deleted: there is no terminal to ask at (--yes deletes without a question)\n");
+  for (const std::string answer : {"n\n", "y\n"}) {
+    EXPECT_TRUE(exists(phone + "/Music/Live/song.mp3"));
+    RunningProgram program(line, {.atTerminal = true});
+    program.waitForOutput("Delete the folder Music with 1 file (4 B) from the device? (y/n) ");
+    program.type(answer);
+    EXPECT_EQ(program.wait().status, 0);
+  }
+  EXPECT_TRUE(treeOf(phone).empty());
+  sandbox.folder("phone/Empty");
+  EXPECT_EQ(umsctl({"rmdir", "-r", phone + "/Empty"}).status, 0);  // nothing is lost
 }
 
 TEST_F(Rmdir, RemovesNothingButFolders) {
