@@ -100,7 +100,7 @@ ExitStatus reported(const Errand& errand, Device& device, const Outcomes& outcom
   uint64_t bytes = 0;
   for (const ItemOutcome& outcome : outcomes.all()) {
     if (outcome.kind != Kind::Done)
-      tell(errand, outcome, isFailure(outcome) ? causeOfEpisode(device, outcome) : "");
+      tell(errand, outcome, needsCause(outcome) ? causeOfEpisode(device, outcome) : "");
     // A channel that goes as a whole is told without the sizes of its episodes.
     auto size = sizes.find(outcome.path.value_or(""));
     if (outcome.kind == Kind::Done && size != sizes.end()) bytes += size->second;

@@ -82,7 +82,7 @@ TEST_F(DryRun, OfPushShowsThePlanAndTouchesNothing) {
   EXPECT_EQ(lines[2], "1 to copy (12.3 kB), 1 to skip, 1 would fail");
   EXPECT_NE(lines[3].find("volume 0, internal, " + phone + ": "), std::string::npos);
   EXPECT_NE(lines[3].find(" after (16.4 kB less)"), std::string::npos) << lines[3];
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + media("notes.txt") + ": by its name it is no music, image or video file\n");
   EXPECT_EQ(roomTaken(), 4 * 4096);  // three blocks for the film, one for its subtitles
 }

@@ -118,8 +118,8 @@ TEST_F(Mkdir, SaysWhyAFolderCannotBeMade) {
   std::string file = sandbox.file("phone/Music", "a file");
   Ended ended = umsctl({"mkdir", file + "/Live"});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + file + "/Live: Not a directory\n");
-  EXPECT_EQ(umsctl({"mkdir", file}).error, "umsctl: " + file + ": File exists\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + file + "/Live: Not a directory\n");
+  EXPECT_EQ(umsctl({"mkdir", file}).causes(), "umsctl: " + file + ": File exists\n");
   EXPECT_EQ(umsctl({"mkdir", ""}).status, 1);
   EXPECT_EQ(bytesOf(file), "a file");
 }
@@ -135,7 +135,7 @@ TEST_F(Rmdir, RemovesAFullFolderOnlyWhenThatIsSaid) {
   std::string folder = phone + "/Music";
   Ended ended = umsctl({"rmdir", folder});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + folder + ": it is not empty; --recursive removes it with everything in it\n");
   EXPECT_EQ(bytesOf(song), "la");
   EXPECT_EQ(umsctl({"rmdir", "--yes", "--recursive", folder}).status, 0);
@@ -166,9 +166,9 @@ TEST_F(Rmdir, RemovesNothingButFolders) {
   std::string file = sandbox.file("phone/song.mp3", "la");
   std::string link = phone + "/link";
   ASSERT_EQ(symlink(card.c_str(), link.c_str()), 0);
-  EXPECT_EQ(umsctl({"rmdir", "-r", file}).error, "umsctl: " + file + ": it is not a folder\n");
-  EXPECT_EQ(umsctl({"rmdir", "-r", link}).error, "umsctl: " + link + ": it is not a folder\n");
-  EXPECT_EQ(umsctl({"rmdir", phone + "/none"}).error,
+  EXPECT_EQ(umsctl({"rmdir", "-r", file}).causes(), "umsctl: " + file + ": it is not a folder\n");
+  EXPECT_EQ(umsctl({"rmdir", "-r", link}).causes(), "umsctl: " + link + ": it is not a folder\n");
+  EXPECT_EQ(umsctl({"rmdir", phone + "/none"}).causes(),
             "umsctl: " + phone + "/none: No such file or directory\n");
   for (const std::string vague : {"/", ".", "phone/..", "./", ""})
     EXPECT_EQ(umsctl({"rmdir", "-r", vague}, {.folder = sandbox.path()}).status, 1) << vague;

@@ -160,10 +160,10 @@ TEST_F(InterruptingLongWork, SaysHowMuchOfAFolderIsGone) {
   auto items = objectsOf(ended, "item");
   ASSERT_EQ(items.size(), 1u);
   EXPECT_EQ(items.front()["outcome"], "not_reached");
-  const std::string text = objectsOf(ended, "message").front()["text"];
+  const std::string text = objectsOf(ended, "message").at(0)["text"];
   EXPECT_EQ(text, "cancelled: " + std::to_string(3000 - treeOf(phone).size() + 1) +
                       " of 3000 things in it removed");
-  EXPECT_EQ(objectsOf(ended, "result").front()["exit_status"], 130);
+  EXPECT_EQ(objectsOf(ended, "result").at(0)["exit_status"], 130);
 }
 
 TEST_F(InterruptingLongWork, ShowsNoLineToQuietPeopleAndNoneAmongObjects) {

@@ -115,8 +115,8 @@ TEST_F(PodcastCommands, PushTakesAPodcastWrittenAsJson) {
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(lastLine(ended).substr(0, 8), "1 copied");
   EXPECT_TRUE(lastLine(ended).ends_with(", 2 failed"));
-  EXPECT_NE(ended.error.find("no/such.mp3: No such file or directory\n"), std::string::npos);
-  EXPECT_NE(ended.error.find("umsctl: w: it has no \"FilePath\"\n"), std::string::npos);
+  EXPECT_NE(ended.causes().find("no/such.mp3: No such file or directory\n"), std::string::npos);
+  EXPECT_NE(ended.causes().find("umsctl: w: it has no \"FilePath\"\n"), std::string::npos);
   EXPECT_EQ(treeOf(phone + "/Podcast"), (Lines{"A_B/", "A_B/A_B.xml", "A_B/plain-hum.mp3"}));
   EXPECT_NE(bytesOf(phone + "/Podcast/A_B/A_B.xml").find("<Duration>7</Duration>"), std::string::npos);
 }
@@ -161,7 +161,7 @@ TEST_F(PodcastCommands, PushKeepsEverythingInThePodcastFolderWhateverAFeedSays) 
   Ended ended = pushFeed(
       "<rss><channel><title>..</title><item><enclosure url='http://h/1.mp3'/></item></channel></rss>");
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + casts + "/1.mp3: its channel's title or its own name is no name for the device\n");
   EXPECT_EQ(lastLine(ended), "0 copied (0 B), 1 failed");
 }
@@ -196,14 +196,14 @@ TEST_F(PodcastCommands, PushAndSyncFindDownloadsWhosePathNoPlayerTakes) {
 
 TEST_F(PodcastCommands, PushSaysWhyAFileCannotGoUnderItsNameOrWithAnother) {
   const std::string blank = sandbox.file("casts/ ", "x");
-  EXPECT_EQ(pushJson(R"({"Title": "T", "children": [{"FilePath": ")" + blank + "\"}]}").error,
+  EXPECT_EQ(pushJson(R"({"Title": "T", "children": [{"FilePath": ")" + blank + "\"}]}").causes(),
             "umsctl: " + blank + ": its name is no name for the device\n");
   sandbox.file("casts/a:.mp3", "one");
   sandbox.file("casts/a*.mp3", "two");
   Ended ended = pushFeed(
       "<rss><channel><title>U</title><item><enclosure url='http://h/a:.mp3'/></item>"
       "<item><enclosure url='http://h/a*.mp3'/></item></channel></rss>");
-  EXPECT_EQ(ended.error, "umsctl: http://h/a*.mp3: another episode of the feed has the same file name\n");
+  EXPECT_EQ(ended.causes(), "umsctl: http://h/a*.mp3: another episode of the feed has the same file name\n");
   EXPECT_EQ(bytesOf(phone + "/Podcast/U/a_.mp3"), "one");
 }
 
@@ -213,7 +213,7 @@ TEST_F(PodcastCommands, PushFailsTheSecondOfTwoEpisodesOfOneFileName) {
       "<rss><channel><title>T</title><item><enclosure url='http://h/1/audio.mp3'/></item>"
       "<item><enclosure url='http://h/2/audio.mp3'/></item></channel></rss>");
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: http://h/2/audio.mp3: another episode of the feed has the same file name\n");
   EXPECT_EQ(treeOf(phone + "/Podcast"), (Lines{"T/", "T/T.xml", "T/audio.mp3"}));
 }
@@ -238,7 +238,7 @@ TEST_F(PodcastCommands, SyncTakesTheVolumeThatHasRoomAndSaysWhenNoneHas) {
   Lines arguments = podcast("sync", {"--feed", feed, "--episodes", casts});
   Ended ended = umsctl(arguments);
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error).front(),
+  EXPECT_EQ(linesOf(ended.causes()).front(),
             "umsctl: " + casts + "/morning-tone.mp3: its channel fits on no volume");
   EXPECT_EQ(lastLine(ended), "0 copied (0 B), 2 failed");
   arguments.insert(arguments.end(), {"--card", card});

@@ -13,6 +13,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <regex>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -213,6 +214,11 @@ Ended RunningProgram::wait() {
   }
   if (!hasExited_) waitForExit();
   return ended_;
+}
+
+std::string Ended::causes() const {
+  static const std::regex numberAndAdvice(" \\(0x[0-9a-f]{8}\\); [^\n]*");
+  return std::regex_replace(error, numberAndAdvice, "");
 }
 
 Ended umsctl(const std::vector<std::string>& arguments, const Setting& setting) {

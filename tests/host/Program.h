@@ -30,6 +30,9 @@ struct Ended {
   int status = -1;  ///< as a shell sees it: 128 more than the signal for a program that was killed
   std::string output;
   std::string error;
+
+  /// What was said on standard error, without the numbers and advices of failed items.
+  std::string causes() const;
 };
 
 /// A program while it runs. Waits last a minute at most; then the program is killed and the test fails.
