@@ -99,6 +99,9 @@ std::string adviceFor(const ItemOutcome& outcome, const std::string& cause) {
   if (cause == "it is no ordinary file") return "only ordinary files can be copied";
   if (cause == VolumeBounds::kElsewhere) return "name a file below the folder of a volume";
   if (cause.ends_with("umsctl rmdir removes folders")) return "use umsctl rmdir";
+  if (cause == "it is not a folder") return "use umsctl rm";
+  if (cause == "it must be given by its name") return "name the folder itself";
+  if (cause.starts_with("it is not empty; ")) return "empty it, or use --recursive";
   switch (outcome.errorNumber) {
     case kErrorFileExists:
     case kErrorOverwriteNotAllowed:

@@ -1,10 +1,6 @@
 #include "ConflictPolicy.h"
 
-#include <poll.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 
 #include "EscapedName.h"
 #include "Output.h"
@@ -42,18 +38,17 @@ const Answer* answerOf(std::string typed) {
 }  // namespace
 
 OnConflict ConflictPolicy::resolved(OnConflict choice) {
-  if (choice != OnConflict::NotSaid) return choice;
+  if (choice != OnConflict::NotSaid && choice != OnConflict::Ask) return choice;
   return canAsk() ? OnConflict::Ask : OnConflict::Skip;
 }
 
-ConflictPolicy::ConflictPolicy(const Errand& errand, ProgressDisplay& display, Interrupt& interrupt,
-                               std::string place)
+ConflictPolicy::ConflictPolicy(const Errand& errand, ProgressDisplay& display, std::string place)
     : errand_(errand),
       choice_(resolved(errand.wishes().onConflict)),
-      saysSo_(errand.wishes().onConflict == OnConflict::NotSaid && choice_ == OnConflict::Skip),
+      saysSo_(errand.wishes().onConflict != OnConflict::Skip && choice_ == OnConflict::Skip),
       display_(display),
-      interrupt_(interrupt),
-      place_(std::move(place)) {}
+      place_(std::move(place)),
+      typed_(errand.interrupt()) {}
 
 /// The answers that last are kept here and not by the service: it forgets them at the end of a request, and a
 /// command may take several.
@@ -88,7 +83,7 @@ void ConflictPolicy::ask(const std::string& path, bool& isOverwrite) {
   while (!answer) {
     printToError(escaped(lastComponent(path)) + " is already " + place_ +
                  ". Replace it? (y/n/all/none/quit) ");
-    auto typed = readAnswer();
+    auto typed = typed_.next();
     answer = typed ? answerOf(*typed) : &kNone;
     if (!typed) printToError("\n");
   }
@@ -99,30 +94,8 @@ void ConflictPolicy::ask(const std::string& path, bool& isOverwrite) {
 
 /// As Ctrl-C does it: what is being copied is no longer wanted, and neither is the rest of the list.
 void ConflictPolicy::quit() {
-  interrupt_.happen();
-  interrupt_.settle();  // the run must be cancelled before it goes on to the next file
-}
-
-/// One line, or nothing when no more answers can come: the input has ended, or the person has had enough.
-std::optional<std::string> ConflictPolicy::readAnswer() {
-  for (;;) {
-    if (size_t end = typed_.find('\n'); end != std::string::npos) {
-      std::string line = typed_.substr(0, end);
-      typed_.erase(0, end + 1);
-      return line;
-    }
-    pollfd waiting[] = {{STDIN_FILENO, POLLIN, 0}, {interrupt_.descriptor(), POLLIN, 0}};
-    if (::poll(waiting, 2, -1) < 0 && errno == EINTR) continue;
-    if (interrupt_.happened()) {
-      interrupt_.settle();  // the run must be cancelled before it goes on to the next file
-      return std::nullopt;
-    }
-    char buffer[256];
-    ssize_t length = ::read(STDIN_FILENO, buffer, sizeof buffer);
-    if (length < 0 && errno == EINTR) continue;
-    if (length <= 0) return std::nullopt;
-    typed_.append(buffer, static_cast<size_t>(length));
-  }
+  errand_.interrupt().happen();
+  errand_.interrupt().settle();  // the run must be cancelled before it goes on to the next file
 }
 
 std::shared_ptr<umsservice::OVFileService> ConflictPolicy::getFileServiceObject(

@@ -7,8 +7,8 @@
 #include <string>
 
 #include "Errand.h"
-#include "Interrupt.h"
 #include "ProgressDisplay.h"
+#include "TypedLines.h"
 #include "umsservice/QDDeviceConfirmDelegate.h"
 
 namespace umsctl {
@@ -16,8 +16,7 @@ namespace umsctl {
 class ConflictPolicy final : public umsservice::QDDeviceConfirmDelegate {
  public:
   /// `place` says where a file that is in the way is: "on the device", "there".
-  ConflictPolicy(const Errand& errand, ProgressDisplay& display, Interrupt& interrupt,
-                 std::string place = "on the device");
+  ConflictPolicy(const Errand& errand, ProgressDisplay& display, std::string place = "on the device");
 
   /// What a person's choice comes to here and now: nobody is asked where nobody is.
   static OnConflict resolved(OnConflict choice);
@@ -32,17 +31,15 @@ class ConflictPolicy final : public umsservice::QDDeviceConfirmDelegate {
  private:
   void ask(const std::string& path, bool& isOverwrite);
   void quit();
-  std::optional<std::string> readAnswer();
 
   const Errand& errand_;
   const OnConflict choice_;
   const bool saysSo_;  ///< each skip is told: nobody chose it
   ProgressDisplay& display_;
-  Interrupt& interrupt_;
   const std::string place_;
   std::shared_ptr<umsservice::OVFileService> otherDevice_;
   std::optional<bool> lasting_;  ///< what "all" or "none" has settled for every later file
-  std::string typed_;            ///< what was read and not yet used
+  TypedLines typed_;
 };
 
 }  // namespace umsctl

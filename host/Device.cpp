@@ -43,9 +43,9 @@ std::shared_ptr<ProfileInfo> profileOf(const VolumeFolders& folders, FileSystem&
 constexpr int32_t kEverything = 7;
 
 Environment environmentOfPerson(const VolumeFolders& folders, const Errand& errand,
-                                std::shared_ptr<ItemObserver> observer) {
+                                std::shared_ptr<ItemObserver> observer, std::shared_ptr<FileSystem> files) {
   Environment environment = Environment::forRunningSystem();
-  environment.fileSystem = errand.files();
+  environment.fileSystem = files ? std::move(files) : errand.files();
   if (errand.wishes().verbose) environment.debugLevelSource = fixedDebugLevelSource(kEverything);
   // A person's volumes are mounted anywhere.
   environment.placementRules = devicePlacementRules();
@@ -59,8 +59,9 @@ Environment environmentOfPerson(const VolumeFolders& folders, const Errand& erra
 
 }  // namespace
 
-Device::Device(const VolumeFolders& folders, const Errand& errand, std::shared_ptr<ItemObserver> observer)
-    : environment_(environmentOfPerson(folders, errand, std::move(observer))),
+Device::Device(const VolumeFolders& folders, const Errand& errand, std::shared_ptr<ItemObserver> observer,
+               std::shared_ptr<FileSystem> files)
+    : environment_(environmentOfPerson(folders, errand, std::move(observer), std::move(files))),
       service_(std::make_unique<UMSService>(environment_)) {
   if (folders.internal) addVolume(*folders.internal, true);
   if (folders.card) addVolume(*folders.card, false);

@@ -44,9 +44,10 @@ class Device {
   };
 
   /// Throws `Refusal` for a volume whose folder is not there and for a profile that makes no sense. Without
-  /// volumes it serves single folders.
+  /// volumes it serves single folders. `files` are in place of the errand's.
   Device(const VolumeFolders& folders, const Errand& errand,
-         std::shared_ptr<umsservice::ItemObserver> observer = nullptr);
+         std::shared_ptr<umsservice::ItemObserver> observer = nullptr,
+         std::shared_ptr<umsservice::FileSystem> files = nullptr);
 
   umsservice::UMSService& service() { return *service_; }
   umsservice::FileSystem& files() { return *environment_.fileSystem; }

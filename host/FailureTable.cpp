@@ -1,5 +1,6 @@
 #include "FailureTable.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "Colour.h"
@@ -11,18 +12,32 @@
 namespace umsctl {
 namespace {
 
+/// "2 failed, 1 not tried:"
+std::string headingOf(const std::vector<Failure>& failures) {
+  const auto tried = static_cast<size_t>(std::count_if(
+      failures.begin(), failures.end(), [](const Failure& failure) { return failure.wasTried; }));
+  const size_t untried = failures.size() - tried;
+  std::string heading = tried > 0 ? std::to_string(tried) + " failed" : "";
+  if (untried > 0) heading += (tried > 0 ? ", " : "") + std::to_string(untried) + " not tried";
+  return heading + ":";
+}
+
+}  // namespace
+
 std::string numberText(uint32_t number) {
   char text[16];
   std::snprintf(text, sizeof text, "0x%08x", static_cast<unsigned>(number));
   return text;
 }
 
-}  // namespace
+void tellFailure(const Failure& failure) {
+  complain(failure.name, failure.cause + " (" + numberText(failure.number) + "); " + failure.advice);
+}
 
 void tellFailures(const std::vector<Failure>& failures) {
   if (failures.empty()) return;
   if (!errorIsTerminal()) {
-    for (const Failure& failure : failures) complain(failure.name, failure.cause);
+    for (const Failure& failure : failures) tellFailure(failure);
     return;
   }
   using Fit = Columns::Fit;
@@ -30,7 +45,7 @@ void tellFailures(const std::vector<Failure>& failures) {
   for (const Failure& failure : failures)
     table.add({escaped(failure.name), numberText(failure.number), failure.cause, failure.advice});
   const bool hasColour = errorHasColour();
-  const std::string heading = std::to_string(failures.size()) + " failed:";
+  const std::string heading = headingOf(failures);
   printToError("umsctl: " + (hasColour ? painted(Paint::Bad, heading) : heading) + "\n" +
                table.text(errorColumns(), hasColour, "  "));
 }

@@ -95,9 +95,17 @@ int Interrupt::descriptor() const {
   return readDescriptor;
 }
 
-void Interrupt::setAction(std::function<void()> action) {
+std::function<void()> Interrupt::setAction(std::function<void()> action) {
   std::lock_guard lock(mutex_);
-  action_ = std::move(action);
+  auto before = std::exchange(action_, std::move(action));
+  if (happened()) runAction();
+  return before;
+}
+
+void Interrupt::restoreAction(std::function<void()> before) {
+  std::lock_guard lock(mutex_);
+  const bool isAnswered = happened() && !action_;
+  action_ = isAnswered ? nullptr : std::move(before);
   if (happened()) runAction();
 }
 

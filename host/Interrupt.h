@@ -1,7 +1,8 @@
 /// Ctrl-C (also a request to terminate, and a terminal that goes away): the first one stops what runs in an
 /// orderly way, the second ends the program at once, whatever it is waiting for.
 ///
-/// At most one exists at a time. A signal that was ignored when the program started stays ignored.
+/// The command line makes one for each command; see `Errand`. At most one exists at a time. A signal that was
+/// ignored when the program started stays ignored.
 #pragma once
 
 #include <functional>
@@ -24,9 +25,11 @@ class Interrupt {
   void happen();
   /// Becomes readable with the first interrupt and stays so; nobody reads from it. For use with `poll`.
   int descriptor() const;
-  /// What the first interrupt does; runs on a thread of its own, or at once where it has come already.
-  /// Null takes the action back and waits for one that is under way.
-  void setAction(std::function<void()> action);
+  /// What the first interrupt does; runs on a thread of its own, or at once where it has come already. Waits
+  /// for one that is under way, and gives the action that was there before.
+  std::function<void()> setAction(std::function<void()> action);
+  /// The action that was there before counts again, unless an interrupt has been answered meanwhile.
+  void restoreAction(std::function<void()> before);
   /// Returns once the action of an interrupt that has happened is done.
   void settle();
 
@@ -39,18 +42,18 @@ class Interrupt {
   std::thread waiter_;
 };
 
-/// What an interrupt does for as long as this lives.
+/// What an interrupt does for as long as this lives, in place of what it did before.
 class InterruptAction {
  public:
-  InterruptAction(Interrupt& interrupt, std::function<void()> action) : interrupt_(interrupt) {
-    interrupt_.setAction(std::move(action));
-  }
-  ~InterruptAction() { interrupt_.setAction(nullptr); }
+  InterruptAction(Interrupt& interrupt, std::function<void()> action)
+      : interrupt_(interrupt), before_(interrupt.setAction(std::move(action))) {}
+  ~InterruptAction() { interrupt_.restoreAction(std::move(before_)); }
   InterruptAction(const InterruptAction&) = delete;
   InterruptAction& operator=(const InterruptAction&) = delete;
 
  private:
   Interrupt& interrupt_;
+  std::function<void()> before_;
 };
 
 /// Tells the person that an interrupt has been heard. Straight to the terminal: the display may be waiting

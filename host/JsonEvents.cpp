@@ -3,6 +3,8 @@
 #include <cmath>
 #include <nlohmann/json.hpp>
 
+#include "Causes.h"
+#include "FailureTable.h"
 #include "Output.h"
 #include "TextEvents.h"
 #include "Utf8.h"
@@ -106,8 +108,13 @@ void JsonEvents::itemEnded(const EndedItem& item) {
   if (item.isVerified) object["verified"] = *item.isVerified;
   if (outcome.kind == Kind::Failed || outcome.kind == Kind::NotReached) {
     object["error"] = outcome.errorNumber;
+    object["number"] = numberText(outcome.errorNumber);
     putText(object, "cause", item.cause.empty() ? "cancelled" : item.cause);
-    if (!item.cause.empty()) complain(item.name, item.cause);
+  }
+  if (!item.cause.empty()) {
+    const std::string advice = adviceFor(outcome, item.cause);
+    object["advice"] = advice;
+    tellFailure({item.name, outcome.errorNumber, item.cause, advice});
   }
   write(object);
 }

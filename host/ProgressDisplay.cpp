@@ -5,6 +5,7 @@
 
 #include "EscapedName.h"
 #include "Output.h"
+#include "PhaseLine.h"
 #include "Planning.h"
 #include "ProgressLine.h"
 #include "Terminal.h"
@@ -32,10 +33,9 @@ std::string tagText(const Dictionary& userInfo) {
   return "  (" + escaped(*title) + (artist ? ", " + escaped(*artist) : "") + ")";
 }
 
-/// Lines of a log and objects on the same screen would tear the bar to pieces; a dry run is over at once.
+/// A dry run is over at once.
 bool hasBar(const Wishes& wishes) {
-  if (wishes.json && outputIsTerminal()) return false;
-  return canRedrawError() && !wishes.quiet && !wishes.verbose && !wishes.dryRun;
+  return drawsLines(wishes) && !wishes.dryRun;
 }
 
 }  // namespace

@@ -80,8 +80,8 @@ void TextEvents::itemEnded(const EndedItem& item) {
   if (didNotArrive(item.outcome)) {
     if (item.cause.empty()) return;
     std::lock_guard lock(mutex_);
-    failures_.push_back(
-        {item.name, item.outcome.errorNumber, item.cause, adviceFor(item.outcome, item.cause)});
+    failures_.push_back({item.name, item.outcome.errorNumber, item.cause, adviceFor(item.outcome, item.cause),
+                         item.outcome.kind == Kind::Failed});
     return;
   }
   bool hasPath = item.outcome.destPath || item.outcome.path;

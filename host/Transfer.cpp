@@ -3,6 +3,7 @@
 #include <numeric>
 
 #include "Paths.h"
+#include "PhaseLine.h"
 #include "Planning.h"
 #include "Refusal.h"
 #include "RunningRequest.h"
@@ -27,7 +28,8 @@ Transfer::Transfer(const Errand& errand, const VolumeFolders& volumes, const std
       display_(errand, contents_.names, contents_.sizes, manner),
       outcomes_(std::make_shared<Outcomes>(
           errand.files(), [this](const ItemOutcome& outcome) { display_.itemCounted(outcome); })),
-      policy_(std::make_shared<ConflictPolicy>(errand, display_, interrupt_, manner.place)),
+      interrupt_(errand.interrupt()),
+      policy_(std::make_shared<ConflictPolicy>(errand, display_, manner.place)),
       device_(volumes, errand, outcomes_),
       takesSubtitles_(files.size(), true) {
   device_.service().setConfirmDelegate(policy_);
@@ -183,7 +185,7 @@ std::map<size_t, std::string> Transfer::verify() {
 }
 
 bool Transfer::flushAll(const std::vector<WrittenPlace>& written) {
-  display_.announce("Waiting until the device has written everything...");
+  display_.announce(kFlushing);
   bool isKept = true;
   for (const WrittenPlace& place : written) {
     bool neverMade = outcomes_->count(ItemOutcome::Kind::Done) == 0 && !device_.files().exists(place.path);

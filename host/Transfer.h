@@ -82,7 +82,7 @@ class Transfer {
   const Contents contents_;
   ProgressDisplay display_;
   const std::shared_ptr<Outcomes> outcomes_;
-  Interrupt interrupt_;
+  Interrupt& interrupt_;
   const std::shared_ptr<ConflictPolicy> policy_;
   Device device_;
   std::vector<bool> takesSubtitles_;    ///< for each file of the list

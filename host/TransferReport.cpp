@@ -26,7 +26,7 @@ std::string causeFor(const ReportedParts& parts, const ReportedRun& run, const I
 void reportFailures(const ReportedParts& parts, const ReportedRun& run) {
   for (ItemOutcome& outcome : parts.outcomes.all()) {
     if (outcome.kind == Kind::Done || outcome.kind == Kind::Skipped) continue;
-    const std::string cause = isFailure(outcome) ? causeFor(parts, run, outcome) : "";
+    const std::string cause = needsCause(outcome) ? causeFor(parts, run, outcome) : "";
     if (!outcome.path) outcome.path = parts.contents.paths.at(outcome.index);  // never handed to the service
     parts.display.tell(outcome, cause);
   }
@@ -53,7 +53,7 @@ size_t reportSubtitles(const ReportedParts& parts, const ReportedRun& run) {
 
 }  // namespace
 
-bool isFailure(const ItemOutcome& outcome) {
+bool needsCause(const ItemOutcome& outcome) {
   if (outcome.kind == Kind::NotReached) return !umsservice::isStopCode(outcome.errorNumber);
   return outcome.kind == Kind::Failed;
 }
@@ -80,7 +80,7 @@ Counts countsOf(const Errand& errand, const Outcomes& outcomes, const TransferMa
     if (outcome.kind == Kind::Done) ++counts.doneItems;
     if (outcome.kind == Kind::Skipped)
       ++(clashOf(errand, outcome) == ClashAction::Ask ? counts.asked : counts.skipped);
-    if (isFailure(outcome)) ++counts.failed;
+    if (outcome.kind == Kind::Failed) ++counts.failed;
   }
   const size_t ended = counts.doneItems + counts.skipped + counts.asked + counts.failed;
   counts.notReached = items - std::min(items, ended);

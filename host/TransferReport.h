@@ -32,8 +32,8 @@ struct ReportedRun {
 /// Gives the exit status.
 ExitStatus report(const ReportedParts& parts, const ReportedRun& run);
 
-/// Whether an item is one that failed: what a person cancelled is none.
-bool isFailure(const umsservice::ItemOutcome& outcome);
+/// Whether it has to be told why an item is not done: what a person cancelled needs no cause.
+bool needsCause(const umsservice::ItemOutcome& outcome);
 
 /// Items of a list that nobody has counted, because a cancel came first: none of them was reached.
 std::vector<umsservice::ItemOutcome> neverCounted(const Outcomes& outcomes, size_t items);

@@ -9,7 +9,7 @@ namespace umsctl {
 /// What happens where a file of that name is there already.
 enum class OnConflict {
   NotSaid,    ///< ask where there is somebody to ask; elsewhere skip, and say so
-  Ask,        ///< ask on standard error, take the answer from standard input
+  Ask,        ///< the same, said by the person
   Skip,       ///< keep what is there
   Overwrite,  ///< replace what is there
 };

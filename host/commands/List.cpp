@@ -12,6 +12,8 @@
 #include "Terminal.h"
 #include "VolumeBounds.h"
 #include "VolumeHeadline.h"
+#include "WatchedFiles.h"
+#include "podcast/PodcastShelf.h"
 #include "umsservice/Notifications.h"
 
 namespace umsctl {
@@ -46,8 +48,10 @@ std::vector<Dictionary> dictionariesOf(const MaybeArray& array) {
 
 class Listing {
  public:
-  Listing(const Errand& errand, Device& device, const ListOptions& options)
-      : events_(errand.events()),
+  Listing(const Errand& errand, WatchedFiles& files, Device& device, const ListOptions& options)
+      : errand_(errand),
+        events_(errand.events()),
+        files_(files),
         device_(device),
         options_(options),
         bounds_(options.volumes),
@@ -74,7 +78,8 @@ class Listing {
 
  private:
   void showType(const Device::Volume& volume, uint32_t mediaType) {
-    auto files = mediaType == kMediaPodcast ? episodes(volume.index) : media(volume.index, mediaType);
+    auto files = found(volume, mediaType);
+    tellOfMending();
     std::sort(files.begin(), files.end(),
               [](const Listed& left, const Listed& right) { return comesBefore(left.path, right.path); });
     readTags(files);
@@ -83,17 +88,21 @@ class Listing {
     if (isTable_)
       return events_.remarked(longListing(mediaType, files, volume.path, outputColumns(), outputHasColour()));
     for (const Listed& file : files) {
+      errand_.stopIfCancelled();
       std::string line = forEyes_ ? lineForEyes(volume, mediaType, file) : lineForPrograms(mediaType, file);
       events_.shown({line, "file", fieldsOf(volume, mediaType, file)});
     }
   }
 
-  static std::vector<std::pair<const char*, Shown::Field>> fieldsOf(const Device::Volume& volume,
-                                                                    uint32_t mediaType, const Listed& file) {
+  bool wantsTags() const { return options_.tags || options_.isLong; }
+
+  std::vector<std::pair<const char*, Shown::Field>> fieldsOf(const Device::Volume& volume, uint32_t mediaType,
+                                                             const Listed& file) const {
     std::vector<std::pair<const char*, Shown::Field>> fields{{"volume", uint64_t{volume.index}},
                                                              {"type", std::string(kWords[mediaType])},
                                                              {"bytes", file.size},
                                                              {"path", file.path}};
+    if (wantsTags() && !file.tags) fields.emplace_back("unreadable", true);
     for (size_t i = 0; file.tags && i < std::size(kTags); ++i) {
       if (!file.tags->contains(kTags[i])) continue;
       if (auto text = file.tags->string(kTags[i])) {
@@ -103,6 +112,13 @@ class Listing {
       }
     }
     return fields;
+  }
+
+  std::vector<Listed> found(const Device::Volume& volume, uint32_t mediaType) {
+    constexpr const char* kPhases[] = {"", "Looking for music", "Looking for images", "Looking for videos",
+                                       "Looking for podcasts"};
+    WatchedFiles::Phase phase(files_, kPhases[mediaType]);
+    return mediaType == kMediaPodcast ? episodes(volume.index) : media(volume.index, mediaType);
   }
 
   std::vector<Listed> media(uint32_t diskIndex, uint32_t mediaType) {
@@ -116,11 +132,19 @@ class Listing {
   /// File by file, and not with the service's listing: that may take minutes on a full device, in which
   /// nothing could be shown, and it leaves out the files whose tags cannot be read.
   void readTags(std::vector<Listed>& files) {
-    if (!options_.tags && !options_.isLong) return;
-    PhaseLine phase;
+    if (!wantsTags()) return;
+    PhaseLine phase(errand_.wishes());
     for (size_t i = 0; i < files.size(); ++i) {
       phase.step("Reading tags", i, files.size());
       if (!files[i].tags) files[i].tags = device_.tagsOf(files[i].path);
+    }
+  }
+
+  /// Looking at channels has the service mend their indexes.
+  void tellOfMending() {
+    for (const std::string& path : files_.takeSetAside()) {
+      everythingWasRead_ = false;
+      events_.complained(path, kSetAside);
     }
   }
 
@@ -172,15 +196,19 @@ class Listing {
 
   /// The listings pass over a folder that cannot be read; nobody should take its files for gone.
   void tellUnreadableFolders(const Device::Volume& volume) {
-    MaybeArray folders = device_.service().recursiveFolderLists(volume.path);
-    if (!folders) return;
-    for (const Value& folder : folders->snapshot()) {
-      std::string path = folder.string().value_or("");
-      auto found = device_.files().linkAttributes(path);
-      if (!found || found->type != FileType::Directory) continue;
-      auto readable = device_.files().list(path);
-      if (!readable) tellUnreadable(path, readable.error());
+    std::vector<FileError> unreadable;
+    {
+      WatchedFiles::Phase phase(files_, "Looking at folders");
+      MaybeArray folders = device_.service().recursiveFolderLists(volume.path);
+      for (const Value& folder : folders ? folders->snapshot() : std::vector<Value>()) {
+        std::string path = folder.string().value_or("");
+        auto found = device_.files().linkAttributes(path);
+        if (!found || found->type != FileType::Directory) continue;
+        auto readable = device_.files().list(path);
+        if (!readable) unreadable.push_back({readable.error().systemNumber, readable.error().action, path});
+      }
     }
+    for (const FileError& error : unreadable) tellUnreadable(error.path, error);
   }
 
   void tellUnreadable(const std::string& path, const FileError& error) {
@@ -188,7 +216,9 @@ class Listing {
     events_.complained(path, error.words());
   }
 
+  const Errand& errand_;
   Events& events_;
+  WatchedFiles& files_;
   Device& device_;
   const ListOptions& options_;
   const VolumeBounds bounds_;
@@ -202,8 +232,9 @@ class Listing {
 }  // namespace
 
 ExitStatus listMedia(const ListOptions& options, const Errand& errand) {
-  Device device(options.volumes, errand);
-  Listing listing(errand, device, options);
+  auto files = std::make_shared<WatchedFiles>(errand);
+  Device device(options.volumes, errand, nullptr, files);
+  Listing listing(errand, *files, device, options);
   for (const Device::Volume& volume : device.volumes()) listing.show(volume);
   listing.showTotal();
   return listing.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;

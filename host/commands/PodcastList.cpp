@@ -42,11 +42,12 @@ void show(Events& events, Device& device, const ShelvedChannel& channel) {
 }  // namespace
 
 ExitStatus podcastList(const VolumeFolders& volumes, const Errand& errand) {
-  Device device(volumes, errand);
+  auto files = std::make_shared<WatchedFiles>(errand);
+  Device device(volumes, errand, nullptr, files);
   bool everythingWasRead = true;
   for (const Device::Volume& volume : device.volumes()) {
     errand.events().shown(volumeHeadline(volume));
-    PodcastShelf shelf(errand, device, volume);
+    PodcastShelf shelf(errand, *files, device, volume);
     for (const ShelvedChannel& channel : shelf.channels()) show(errand.events(), device, channel);
     everythingWasRead = everythingWasRead && shelf.everythingWasRead();
   }

@@ -1,19 +1,19 @@
 #include "commands/PodcastRemove.h"
 
-#include <unistd.h>
-
-#include <iostream>
+#include <map>
+#include <numeric>
 #include <set>
 
+#include "Amounts.h"
+#include "Consent.h"
 #include "EscapedName.h"
 #include "Interrupt.h"
 #include "Outcomes.h"
-#include "Output.h"
 #include "Paths.h"
 #include "Planning.h"
 #include "Refusal.h"
-#include "Terminal.h"
 #include "TransferReport.h"
+#include "WatchedFiles.h"
 #include "podcast/EpisodeReport.h"
 #include "podcast/PodcastShelf.h"
 #include "umsservice/Notifications.h"
@@ -64,18 +64,28 @@ Dictionary requested(Device& device, const ShelvedChannel& channel, const std::v
   return podcast;
 }
 
-bool agrees(const PodcastRemoveOptions& options, const Errand& errand, const ShelvedChannel& channel,
-            size_t count) {
-  if (errand.wishes().isAgreed || errand.rehearsal()) return true;
-  if (!canAsk())
-    throw Refusal(ExitStatus::SomeFailed, channel.title,
-                  "nothing is deleted; --yes deletes without a question");
-  std::string what = options.episodes.empty() ? "the whole channel " : "from the channel ";
-  printToError("Delete " + what + escaped(channel.title) + ", " + std::to_string(count) +
-               (count == 1 ? " episode? (y/n) " : " episodes? (y/n) "));
-  std::string answer;
-  std::getline(std::cin, answer);
-  return answer == "y" || answer == "Y" || answer == "yes";
+/// What is to go: the sizes of the episodes' files by their paths.
+using Sizes = std::map<std::string, uint64_t>;
+
+Sizes sizesOf(Device& device, const Dictionary& podcast) {
+  Sizes sizes;
+  for (const Value& episode : podcast.get("children").array()->snapshot()) {
+    const std::string path = pathOf(*episode.dictionary());
+    sizes[path] = device.service().fileSizeAtDevice(path);
+  }
+  return sizes;
+}
+
+uint64_t bytesOf(const Sizes& sizes) {
+  return std::accumulate(sizes.begin(), sizes.end(), uint64_t{0},
+                         [](uint64_t sum, const auto& file) { return sum + file.second; });
+}
+
+std::string questionAbout(const ShelvedChannel& channel, bool isWhole, const Sizes& sizes) {
+  const std::string episodes = std::to_string(sizes.size()) + (sizes.size() == 1 ? " episode" : " episodes") +
+                               " (" + byteText(bytesOf(sizes)) + ")";
+  return isWhole ? "Delete the channel " + escaped(channel.title) + " with " + episodes + " from the device?"
+                 : "Delete " + episodes + " of the channel " + escaped(channel.title) + " from the device?";
 }
 
 /// Each is listed, on a terminal too: there is no bar.
@@ -85,25 +95,22 @@ void tell(const Errand& errand, const ItemOutcome& outcome, const std::string& c
   errand.events().itemEnded({outcome, kManner, outcome.path.value_or(""), cause, "", {}, {}});
 }
 
-ExitStatus reported(const Errand& errand, Device& device, const Outcomes& outcomes, bool isDone,
-                    bool wasCancelled) {
+ExitStatus reported(const Errand& errand, Device& device, const Outcomes& outcomes, const Sizes& sizes,
+                    bool isDone, bool wasCancelled) {
+  uint64_t bytes = 0;
   for (const ItemOutcome& outcome : outcomes.all()) {
     if (outcome.kind != Kind::Done)
-      tell(errand, outcome, isFailure(outcome) ? causeOfEpisode(device, outcome) : "");
+      tell(errand, outcome, needsCause(outcome) ? causeOfEpisode(device, outcome) : "");
+    // A channel that goes as a whole is told without the sizes of its episodes.
+    auto size = sizes.find(outcome.path.value_or(""));
+    if (outcome.kind == Kind::Done && size != sizes.end()) bytes += size->second;
   }
   Counts counts = countsOf(errand, outcomes, kManner, outcomes.all().size());
-  counts.bytes.reset();
+  counts.bytes = bytes;
   counts.wasCancelled = wasCancelled;
   errand.events().counted(counts);
   ExitStatus status = statusOf(counts);
   return isDone || status != ExitStatus::AllDone ? status : ExitStatus::SomeFailed;
-}
-
-std::vector<uint64_t> sizesOf(Device& device, const Dictionary& podcast) {
-  std::vector<uint64_t> sizes;
-  for (const Value& episode : podcast.get("children").array()->snapshot())
-    sizes.push_back(device.service().fileSizeAtDevice(pathOf(*episode.dictionary())));
-  return sizes;
 }
 
 /// On the calling thread: a queued request deletes from the first volume only.
@@ -124,7 +131,10 @@ bool removed(Device& device, const Device::Volume& volume, const std::string& po
 }
 
 bool flushed(const Errand& errand, Device& device, const Device::Volume& volume) {
+  PhaseLine phase(errand.wishes());
+  phase.announce(kFlushing);
   auto flushed = device.files().syncVolume(volume.path);
+  phase.erase();
   if (!flushed)
     errand.events().complained(volume.path, "it may not be written yet: " + flushed.error().words());
   return static_cast<bool>(flushed);
@@ -133,32 +143,38 @@ bool flushed(const Errand& errand, Device& device, const Device::Volume& volume)
 }  // namespace
 
 ExitStatus podcastRemove(const PodcastRemoveOptions& options, const Errand& errand) {
+  auto watched = std::make_shared<WatchedFiles>(errand);
+  Device looking(options.volumes, errand, nullptr, watched);
+  const PodcastShelf shelf(errand, *watched, looking, looking.volume(options.on));
+  const ShelvedChannel& channel = shelf.channel(options.channel);
+  const Dictionary podcast = requested(looking, channel, options.episodes);
+  const Sizes sizes = sizesOf(looking, podcast);
+  if (!agreesTo(errand, questionAbout(channel, options.episodes.empty(), sizes))) return ExitStatus::AllDone;
+  errand.stopIfCancelled();
+
+  // From here on in order: an interrupt comes between two episodes, and their index is written.
   auto showDeleted = [&errand](const ItemOutcome& outcome) {
     if (outcome.kind == Kind::Done) tell(errand, outcome, "");
   };
   auto outcomes = std::make_shared<Outcomes>(errand.files(), showDeleted);
   Device device(options.volumes, errand, outcomes);
   const Device::Volume& volume = device.volume(options.on);
-  const PodcastShelf shelf(errand, device, volume);
-  const ShelvedChannel& channel = shelf.channel(options.channel);
-  const Dictionary podcast = requested(device, channel, options.episodes);
-  if (!agrees(options, errand, channel, podcast.get("children").array()->count())) {
-    errand.events().remarked("nothing deleted\n");
-    return ExitStatus::AllDone;
-  }
-  const std::vector<uint64_t> sizes = sizesOf(device, podcast);
-  if (!errand.rehearsal()) errand.events().planned(planOf(errand, sizes, {writtenVolume(volume)}));
-
-  Interrupt interrupt;  // from here on; the question above ends the program as usual
-  bool isDone = removed(device, volume, shelf.folder(), podcast, interrupt);
-  const bool wasCancelled = interrupt.happened();
+  auto tellPlan = [&] {
+    Plan plan = planOf(errand, {}, {writtenVolume(volume)});
+    plan.items = podcast.get("children").array()->count();
+    plan.bytes = bytesOf(sizes);
+    errand.events().planned(plan);
+  };
+  if (!errand.rehearsal()) tellPlan();
+  bool isDone = removed(device, volume, shelf.folder(), podcast, errand.interrupt());
+  const bool wasCancelled = errand.interrupt().happened();
   if (!isDone && !wasCancelled && outcomes->count(Kind::Failed) == 0)
     errand.events().complained(channel.folder, options.episodes.empty()
                                                    ? "the channel cannot be removed"
                                                    : "the index of the channel cannot be written");
   isDone = flushed(errand, device, volume) && isDone;
-  ExitStatus status = reported(errand, device, *outcomes, isDone, wasCancelled);
-  if (errand.rehearsal()) errand.events().planned(planOf(errand, sizes, {writtenVolume(volume)}));
+  ExitStatus status = reported(errand, device, *outcomes, sizes, isDone, wasCancelled);
+  if (errand.rehearsal()) tellPlan();
   return status;
 }
 

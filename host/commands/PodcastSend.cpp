@@ -20,8 +20,9 @@ bool isSameFolder(FileSystem& files, const std::string& one, const std::string& 
 }
 
 EpisodeItems itemsOf(const PodcastSendOptions& options, const Errand& errand) {
-  Device device(options.from, errand);
-  PodcastShelf shelf(errand, device, device.volume(options.on));
+  auto files = std::make_shared<WatchedFiles>(errand);
+  Device device(options.from, errand, nullptr, files);
+  PodcastShelf shelf(errand, *files, device, device.volume(options.on));
   EpisodeItems items;
   std::set<std::string> taken;
   for (const std::string& words : options.channels) {

@@ -1,14 +1,8 @@
 #include "commands/Remove.h"
 
-#include <unistd.h>
-
-#include <cerrno>
-
 #include "Amounts.h"
-#include "Output.h"
-#include "Refusal.h"
+#include "Consent.h"
 #include "Subtitles.h"
-#include "Terminal.h"
 #include "Transfer.h"
 #include "VolumeBounds.h"
 
@@ -51,36 +45,12 @@ std::string planned(Device& device, const Contents& contents) {
   return companions == 0 ? text : text + " and " + counted(companions, "subtitle file");
 }
 
-/// One line from standard input; nothing at its end. Ctrl-C still ends the program by itself here.
-std::string typedLine() {
-  std::string line;
-  char typed = 0;
-  for (;;) {
-    ssize_t length = ::read(STDIN_FILENO, &typed, 1);
-    if (length < 0 && errno == EINTR) continue;
-    if (length <= 0 || typed == '\n') return line;
-    line += typed;
-  }
-}
-
-bool isAgreed(const std::string& plan) {
-  for (;;) {
-    printToError("Delete " + plan + " from the device? (y/n) ");
-    std::string answer = typedLine();
-    if (answer == "y" || answer == "Y" || answer == "yes" || answer == "Yes") return true;
-    if (answer.empty() || answer == "n" || answer == "N" || answer == "no" || answer == "No") return false;
-  }
-}
-
 bool isAgreed(const RemoveOptions& options, const Errand& errand, const Objection& objection) {
   if (errand.wishes().isAgreed || errand.rehearsal()) return true;
   Device device(options.volumes, errand);
   std::string plan = planned(device, Contents(device.files(), options.files, objection));
   if (plan.empty()) return true;  // each file is told with what stands against it
-  if (!canAsk())
-    throw Refusal(ExitStatus::Usage, "",
-                  "nothing is deleted: there is no terminal to ask at (--yes deletes without a question)");
-  return isAgreed(plan);
+  return agreesTo(errand, "Delete " + plan + " from the device?");
 }
 
 }  // namespace
@@ -90,10 +60,7 @@ ExitStatus removeFiles(const RemoveOptions& options, const Errand& errand) {
   auto objection = [&bounds](FileSystem& files, const std::string& path) {
     return whyNotDeleted(bounds, files, path);
   };
-  if (!isAgreed(options, errand, objection)) {
-    errand.events().noticed("", "nothing is deleted");
-    return ExitStatus::AllDone;
-  }
+  if (!isAgreed(options, errand, objection)) return ExitStatus::AllDone;
   Transfer transfer(errand, options.volumes, options.files,
                     {.done = "deleted", .planned = "delete", .subtitles = Subtitles::AreRemoved}, objection);
   Device& device = transfer.device();

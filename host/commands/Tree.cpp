@@ -9,6 +9,7 @@
 #include "Paths.h"
 #include "Terminal.h"
 #include "VolumeHeadline.h"
+#include "WatchedFiles.h"
 
 namespace umsctl {
 namespace {
@@ -135,8 +136,12 @@ class TreePrinter {
   bool everythingWasRead_ = true;
 };
 
-void showVolumes(const Errand& errand, Device& device, TreePrinter& printer) {
+constexpr auto kWalk = "Looking at folders";
+
+void showVolumes(const Errand& errand, WatchedFiles& files, Device& device, TreePrinter& printer) {
+  files.setPhase(kWalk);
   auto trees = device.service().getDeviceAllFolderLists();
+  files.setPhase(nullptr);
   for (const Device::Volume& volume : device.volumes()) {
     errand.events().shown(volumeHeadline(volume));
     auto tree = trees ? trees->at(volume.index).dictionary() : std::nullopt;
@@ -148,14 +153,18 @@ void showVolumes(const Errand& errand, Device& device, TreePrinter& printer) {
 }  // namespace
 
 ExitStatus tree(const TreeOptions& options, const Errand& errand) {
-  Device device(options.volumes, errand);
+  auto files = std::make_shared<WatchedFiles>(errand);
+  Device device(options.volumes, errand, nullptr, files);
   TreePrinter printer(errand, device);
   if (options.folder) {
     std::string root = withoutTrailingSlashes(absolutePath(*options.folder));
     errand.events().remarked(escaped(*options.folder) + "\n");
-    printer.show(root, *device.service().recursiveFolderLists(root));
+    files->setPhase(kWalk);
+    auto folders = device.service().recursiveFolderLists(root);
+    files->setPhase(nullptr);
+    printer.show(root, *folders);
   } else {
-    showVolumes(errand, device, printer);
+    showVolumes(errand, *files, device, printer);
   }
   printer.showTotal();
   return printer.everythingWasRead() ? ExitStatus::AllDone : ExitStatus::SomeFailed;

@@ -88,7 +88,9 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
   } catch (const CLI::ParseError& error) {
     return explained(app, error);
   }
-  Errand errand(chosen.wishes);
+  Interrupt interrupt;
+  InterruptAction answering(interrupt, [] { answerInterrupt("cancelling"); });
+  Errand errand(chosen.wishes, interrupt);
   ExitStatus status = carriedOut(chosen, errand);
   errand.events().ended(status);
   return status;

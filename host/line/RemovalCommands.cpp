@@ -9,6 +9,10 @@ constexpr auto kRemoveEnding =
     "Only what lies on the volumes is deleted; folders stay. The .smi subtitles of a\n"
     "video go with it. Without a terminal nothing is deleted unless --yes is given.";
 
+constexpr auto kRmdirEnding =
+    "A folder with something in it is asked about. Without a terminal nothing is deleted\n"
+    "unless --yes is given.";
+
 void addRemove(CLI::App& app, Command& chosen) {
   CLI::App& command = addCommand(app, "rm", "Delete files from the device");
   auto options = optionsOf(command, chosen, removeFiles);
@@ -30,11 +34,12 @@ void addMkdir(CLI::App& app, Command& chosen) {
 void addRmdir(CLI::App& app, Command& chosen) {
   CLI::App& command = addCommand(app, "rmdir", "Remove a folder");
   auto options = optionsOf(command, chosen, removeFolder);
-  addDryRun(command, chosen.wishes);
+  addDeleting(command, chosen.wishes);
   command.add_option("DIR", options->folder, "The folder; it must be empty unless --recursive is given")
       ->required()
       ->type_name("");
   command.add_flag("-r,--recursive", options->recursive, "Remove it with everything in it");
+  command.footer(kRmdirEnding);
 }
 
 }  // namespace

@@ -37,7 +37,7 @@ std::string causeFor(const ReportedEpisodes& parts, const ItemOutcome& outcome) 
 ExitStatus reportEpisodes(const ReportedEpisodes& parts, bool wasCancelled) {
   for (const ItemOutcome& outcome : parts.outcomes.all()) {
     if (outcome.kind == Kind::Done || outcome.kind == Kind::Skipped) continue;
-    parts.display.tell(outcome, isFailure(outcome) ? causeFor(parts, outcome) : "");
+    parts.display.tell(outcome, needsCause(outcome) ? causeFor(parts, outcome) : "");
   }
   for (const ItemOutcome& outcome : neverCounted(parts.outcomes, parts.items.names.size()))
     parts.display.tell(outcome);

@@ -15,25 +15,29 @@ std::string PodcastShelf::folderOf(Device& device, const Device::Volume& volume)
   return device.service().defaultMediaContentsPath(volume.path, diskType, kMediaPodcast).value_or("");
 }
 
-PodcastShelf::PodcastShelf(const Errand& errand, Device& device, const Device::Volume& volume)
+PodcastShelf::PodcastShelf(const Errand& errand, WatchedFiles& files, Device& device,
+                           const Device::Volume& volume)
     : folder_(folderOf(device, volume)) {
-  MaybeArray paths;
-  if (folder_.empty() || !device.service().podcastXmlLists(0, folder_, &paths) || !paths) return;
-  for (const Value& path : paths->snapshot()) read(errand, device, path.string().value_or(""));
+  {
+    WatchedFiles::Phase phase(files, "Reading channels");
+    MaybeArray paths;
+    if (folder_.empty() || !device.service().podcastXmlLists(0, folder_, &paths) || !paths) return;
+    for (const Value& path : paths->snapshot()) read(device, path.string().value_or(""));
+  }
+  for (const std::string& path : damaged_)
+    errand.events().complained(path, "it is no index of a podcast channel");
+  for (const std::string& path : files.takeSetAside()) errand.events().complained(path, kSetAside);
   std::sort(channels_.begin(), channels_.end(), [](const ShelvedChannel& one, const ShelvedChannel& other) {
     return std::tie(one.title, one.name) < std::tie(other.title, other.name);
   });
 }
 
-void PodcastShelf::read(const Errand& errand, Device& device, const std::string& relativePath) {
+void PodcastShelf::read(Device& device, const std::string& relativePath) {
   const std::string name = relativePath.substr(0, relativePath.find('/'));
   if (name.starts_with('.') || relativePath != name + "/" + name + ".xml") return;
   const std::string path = folder_ + "/" + relativePath;
   MaybeDictionary podcast = device.service().umsPodcastXmlData(path);
-  if (!podcast) {
-    everythingWasRead_ = false;
-    return errand.events().complained(path, "it is no index of a podcast channel");
-  }
+  if (!podcast) return damaged_.push_back(path);
   ShelvedChannel channel{name, folder_ + "/" + name, podcast->string("Title").value_or(name), *podcast, {}};
   for (const Value& element : podcast->get("children").array().value_or(Array()).snapshot())
     channel.episodes.push_back(element.dictionary().value_or(Dictionary()));

@@ -1,5 +1,6 @@
 #include "podcast/PodcastTransfer.h"
 
+#include "PhaseLine.h"
 #include "Planning.h"
 #include "Refusal.h"
 #include "RunningRequest.h"
@@ -16,7 +17,8 @@ PodcastTransfer::PodcastTransfer(const Errand& errand, const VolumeFolders& volu
       display_(errand, items_.names, items_.sizes),
       outcomes_(std::make_shared<Outcomes>(errand.files(),
                                            [this](const ItemOutcome& outcome) { itemCounted(outcome); })),
-      policy_(std::make_shared<ConflictPolicy>(errand, display_, interrupt_)),
+      interrupt_(errand.interrupt()),
+      policy_(std::make_shared<ConflictPolicy>(errand, display_)),
       device_(volumes, errand, outcomes_) {
   device_.service().setConfirmDelegate(policy_);
 }
@@ -33,7 +35,7 @@ ExitStatus PodcastTransfer::run(const Queue& queue, const std::vector<WrittenPla
   display_.begin();
   perform(queue);
   bool isKept = true;
-  if (!isRehearsed) display_.announce("Waiting until the device has written everything...");
+  if (!isRehearsed) display_.announce(kFlushing);
   for (const WrittenPlace& place : written) isKept = flush(place.path) && isKept;
   const auto mismatches = verify();
   display_.finish();

@@ -46,7 +46,7 @@ class PodcastTransfer {
   size_t counted_ = 0;
   std::function<void()> end_;  ///< called once every episode has been counted
   const std::shared_ptr<Outcomes> outcomes_;
-  Interrupt interrupt_;
+  Interrupt& interrupt_;
   const std::shared_ptr<ConflictPolicy> policy_;
   Device device_;
   bool wasCancelled_ = false;

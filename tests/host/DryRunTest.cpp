@@ -82,7 +82,7 @@ TEST_F(DryRun, OfPushShowsThePlanAndTouchesNothing) {
   EXPECT_EQ(lines[2], "1 to copy (12.3 kB), 1 to skip, 1 would fail");
   EXPECT_NE(lines[3].find("volume 0, internal, " + phone + ": "), std::string::npos);
   EXPECT_NE(lines[3].find(" after (16.4 kB less)"), std::string::npos) << lines[3];
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + media("notes.txt") + ": by its name it is no music, image or video file\n");
   EXPECT_EQ(roomTaken(), 4 * 4096);  // three blocks for the film, one for its subtitles
 }
@@ -92,9 +92,13 @@ TEST_F(DryRun, SaysWhatEachPolicyDoesAboutANameThatIsTaken) {
   rehearsed(pushing({"--on-conflict", "overwrite", media("plain-hum.mp3")}));
   EXPECT_EQ(plan["clashes"].at(0)["action"], "replace");
   EXPECT_EQ(plan["clashes"].at(0)["destination"], phone + "/Music/plain-hum.mp3");
-  Ended asking = rehearsed(pushing({"--on-conflict", "ask", media("plain-hum.mp3")}));
-  EXPECT_EQ(plan["clashes"].at(0)["action"], "ask");
-  EXPECT_EQ(linesOf(asking.output)[1], "0 to copy (0 B), 1 to ask about");
+  Ended asking =
+      umsctl(pushing({"-n", "--on-conflict", "ask", media("plain-hum.mp3")}), {.atTerminal = true});
+  EXPECT_NE(asking.output.find("0 to copy (0 B), 1 to ask about\r\n"), std::string::npos) << asking.output;
+  Ended told = withoutWords(umsctl(pushing({"-n", "--json", media("plain-hum.mp3")}), {.atTerminal = true}));
+  EXPECT_EQ(objectsOf(told, "plan").at(0)["clashes"].at(0)["action"], "ask");
+  rehearsed(pushing({"--on-conflict", "ask", media("plain-hum.mp3")}));  // nobody could be asked
+  EXPECT_EQ(plan["clashes"].at(0)["action"], "skip");
   rehearsed(pushing({media("plain-hum.mp3")}));
   EXPECT_EQ(plan["clashes"].at(0)["action"], "skip");
 }
@@ -161,6 +165,24 @@ TEST_F(DryRun, OfMkdirAndRmdirTouchesNothing) {
   EXPECT_EQ(removed.status, 0);
   EXPECT_EQ(linesOf(removed.output)[1], "1 file to remove (5 B)");
   EXPECT_EQ(plan["items"], 1);
+  EXPECT_EQ(plan["volumes"].at(0)["kind"], "folder");
+}
+
+TEST_F(DryRun, OfRmdirForeseesWhatPermissionsForbid) {
+  sandbox.file("phone/full/locked/song.mp3", "la la");
+  for (const mode_t mode : {mode_t{0500}, mode_t{0}}) {
+    chmod(sandbox.at("phone/full/locked").c_str(), mode);
+    Ended foreseen = umsctl({"rmdir", "-n", "-r", phone + "/full"}, {.withoutRootPowers = true});
+    Ended real = umsctl({"rmdir", "-y", "-r", phone + "/full"}, {.withoutRootPowers = true});
+    chmod(sandbox.at("phone/full/locked").c_str(), 0700);
+    EXPECT_EQ(foreseen.status, 1);
+    EXPECT_EQ(foreseen.error, real.error);
+    EXPECT_NE(real.error.find(mode == 0 ? "locked cannot be read: Permission denied"
+                                        : "locked/song.mp3 cannot be removed: Permission denied"),
+              std::string::npos)
+        << real.error;
+    EXPECT_TRUE(exists(phone + "/full/locked/song.mp3"));
+  }
 }
 
 TEST_F(DryRun, OfPodcastCommandsTouchesNothing) {
@@ -175,6 +197,7 @@ TEST_F(DryRun, OfPodcastCommandsTouchesNothing) {
   EXPECT_EQ(rehearsed({"podcast", "rm", "--internal", phone, "News", "One"}).status, 0);
   Ended removed = rehearsed({"podcast", "rm", "--internal", phone, "News"});
   EXPECT_EQ(linesOf(removed.output).front(), "delete   " + phone + "/Podcast/News/plain-hum.mp3");
+  EXPECT_EQ(linesOf(removed.output)[1], "1 to delete (8.3 kB)");
   Ended sent = rehearsed({"podcast", "send", "--from-internal", phone, "--internal", other, "News"});
   EXPECT_EQ(linesOf(sent.output).front(), "copy     " + other + "/Podcast/News/plain-hum.mp3");
 }

@@ -42,7 +42,7 @@ TEST_F(Flags, QuietLeavesOnlyWhatWentWrong) {
   Ended ended = umsctl(pushing({"-q", media("plain-hum.mp3"), media("sunrise.jpg"), "missing.mp3"}));
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(ended.output, "");
-  EXPECT_EQ(ended.error, "umsctl: missing.mp3: No such file or directory\n");
+  EXPECT_EQ(ended.causes(), "umsctl: missing.mp3: No such file or directory\n");
   EXPECT_TRUE(exists(phone + "/DCIM/Camera/sunrise.jpg"));
   Ended atTerminal = umsctl(pushing({"--quiet", media("morning-tone.mp3")}), {.atTerminal = true});
   EXPECT_EQ(atTerminal.output, "");

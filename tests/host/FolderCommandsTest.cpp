@@ -118,8 +118,8 @@ TEST_F(Mkdir, SaysWhyAFolderCannotBeMade) {
   std::string file = sandbox.file("phone/Music", "a file");
   Ended ended = umsctl({"mkdir", file + "/Live"});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + file + "/Live: Not a directory\n");
-  EXPECT_EQ(umsctl({"mkdir", file}).error, "umsctl: " + file + ": File exists\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + file + "/Live: Not a directory\n");
+  EXPECT_EQ(umsctl({"mkdir", file}).causes(), "umsctl: " + file + ": File exists\n");
   EXPECT_EQ(umsctl({"mkdir", ""}).status, 1);
   EXPECT_EQ(bytesOf(file), "a file");
 }
@@ -135,20 +135,40 @@ TEST_F(Rmdir, RemovesAFullFolderOnlyWhenThatIsSaid) {
   std::string folder = phone + "/Music";
   Ended ended = umsctl({"rmdir", folder});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + folder + ": it is not empty; --recursive removes it with everything in it\n");
   EXPECT_EQ(bytesOf(song), "la");
-  EXPECT_EQ(umsctl({"rmdir", "--recursive", folder}).status, 0);
+  EXPECT_EQ(umsctl({"rmdir", "--yes", "--recursive", folder}).status, 0);
   EXPECT_TRUE(treeOf(phone).empty());
+}
+
+TEST_F(Rmdir, AsksBeforeAFullFolderGoes) {
+  sandbox.file("phone/Music/Live/song.mp3", "lala");
+  const Lines line{"rmdir", "-r", phone + "/Music"};
+  Ended refused = umsctl(line, {.input = "y\n"});
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(
+      refused.error,
+      "umsctl: nothing is deleted: there is no terminal to ask at (--yes deletes without a question)\n");
+  for (const std::string answer : {"n\n", "y\n"}) {
+    EXPECT_TRUE(exists(phone + "/Music/Live/song.mp3"));
+    RunningProgram program(line, {.atTerminal = true});
+    program.waitForOutput("Delete the folder Music with 1 file (4 B) from the device? (y/n) ");
+    program.type(answer);
+    EXPECT_EQ(program.wait().status, 0);
+  }
+  EXPECT_TRUE(treeOf(phone).empty());
+  sandbox.folder("phone/Empty");
+  EXPECT_EQ(umsctl({"rmdir", "-r", phone + "/Empty"}).status, 0);  // nothing is lost
 }
 
 TEST_F(Rmdir, RemovesNothingButFolders) {
   std::string file = sandbox.file("phone/song.mp3", "la");
   std::string link = phone + "/link";
   ASSERT_EQ(symlink(card.c_str(), link.c_str()), 0);
-  EXPECT_EQ(umsctl({"rmdir", "-r", file}).error, "umsctl: " + file + ": it is not a folder\n");
-  EXPECT_EQ(umsctl({"rmdir", "-r", link}).error, "umsctl: " + link + ": it is not a folder\n");
-  EXPECT_EQ(umsctl({"rmdir", phone + "/none"}).error,
+  EXPECT_EQ(umsctl({"rmdir", "-r", file}).causes(), "umsctl: " + file + ": it is not a folder\n");
+  EXPECT_EQ(umsctl({"rmdir", "-r", link}).causes(), "umsctl: " + link + ": it is not a folder\n");
+  EXPECT_EQ(umsctl({"rmdir", phone + "/none"}).causes(),
             "umsctl: " + phone + "/none: No such file or directory\n");
   for (const std::string vague : {"/", ".", "phone/..", "./", ""})
     EXPECT_EQ(umsctl({"rmdir", "-r", vague}, {.folder = sandbox.path()}).status, 1) << vague;

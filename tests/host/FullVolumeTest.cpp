@@ -1,4 +1,7 @@
+#include <map>
+
 #include "HostTest.h"
+#include "JsonLines.h"
 
 namespace umsservice::testing {
 namespace {
@@ -14,12 +17,36 @@ TEST_F(FullVolume, EndsTheRunAndSaysWhatDidNotFit) {
   std::string large = sandbox.patternFile("large.mp3", 2'000'000);
   Ended ended = umsctl(pushing({media("sunrise.jpg"), large, media("plain-hum.mp3")}));
   EXPECT_EQ(ended.status, 1);
-  auto lines = linesOf(ended.error);
+  auto lines = linesOf(ended.causes());
   ASSERT_EQ(lines.size(), 2u);
   EXPECT_EQ(lines[0], "umsctl: " + large + ": not enough room on the volume: 2.0 MB needed, 1.0 MB free");
   EXPECT_EQ(lines[1], "umsctl: " + media("plain-hum.mp3") + ": not tried, the volume is full");
-  EXPECT_EQ(linesOf(ended.output).back(), "1 copied (1.0 kB), 2 failed");
+  EXPECT_EQ(linesOf(ended.output).back(), "1 copied (1.0 kB), 1 failed, 1 not copied");
   EXPECT_EQ(treeOf(phone), (Lines{"DCIM/", "DCIM/Camera/", "DCIM/Camera/sunrise.jpg", "Music/"}));
+}
+
+TEST_F(FullVolume, CountsEachItemExactlyOnce) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume volume(phone, kMebi);
+  const Lines line = pushing({"--on-conflict", "skip", media("sunrise.jpg"), "missing.mp3",
+                              sandbox.patternFile("large.mp3", 2'000'000), media("plain-hum.mp3"),
+                              media("morning-tone.mp3")});
+  Lines withJson = line;
+  withJson.emplace_back("--json");
+  Ended ended = umsctl(withJson);
+  EXPECT_EQ(ended.status, 1);
+  std::map<std::string, size_t> outcomes;
+  for (const Json& item : objectsOf(ended, "item")) ++outcomes[item["outcome"]];
+  const Json result = objectsOf(ended, "result").at(0);
+  for (const auto& [outcome, count] :
+       std::map<std::string, size_t>{{"done", 1}, {"failed", 2}, {"not_reached", 2}}) {
+    EXPECT_EQ(outcomes[outcome], count);
+    EXPECT_EQ(result[outcome], count);
+  }
+  EXPECT_EQ(result["skipped"], 0);
+  Ended shown = umsctl(line, {.atTerminal = true, .columns = 200, .environment = {{"NO_COLOR", "1"}}});
+  EXPECT_NE(shown.output.find("umsctl: 2 failed, 2 not tried:\r\n"), std::string::npos) << shown.output;
+  EXPECT_NE(shown.output.find("1 skipped, 2 failed, 2 not copied\r\n"), std::string::npos) << shown.output;
 }
 
 TEST_F(FullVolume, TakesAFileThatFillsItToTheLastByte) {

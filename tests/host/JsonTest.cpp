@@ -69,7 +69,42 @@ TEST_F(JsonOutput, TellsExactlyOneOutcomeOfEveryItem) {
     if (item["index"] == 2) EXPECT_EQ(item["verified"], true);
     if (item["index"] == 3) EXPECT_EQ(item["error"], 0x14000002);
   }
-  EXPECT_NE(ended.error.find("umsctl: missing.mp3: No such file or directory\n"), std::string::npos);
+  EXPECT_NE(ended.causes().find("umsctl: missing.mp3: No such file or directory\n"), std::string::npos);
+}
+
+TEST_F(JsonOutput, TellsNumberCauseAndAdviceOfAFailedItemAsThePipedTextDoes) {
+  const std::string file = sandbox.file("phone/Music", "a file"), empty = sandbox.folder("phone/Full/Empty");
+  struct Case {
+    std::vector<std::string> line;
+    std::string number, cause, advice;
+  };
+  const std::vector<Case> cases{
+      {pushing({"missing.mp3"}), "0x23000005", "No such file or directory",
+       "check the name and its permissions"},
+      {{"mkdir", file + "/Live"},
+       "0x20000002",
+       "Not a directory",
+       "see what stands in the way of the folder, and whether the volume can be written to"},
+      {{"rmdir", phone + "/Full"},
+       "0x20000003",
+       "it is not empty; --recursive removes it with everything in it",
+       "empty it, or use --recursive"},
+      {{"rmdir", file}, "0x10000002", "it is not a folder", "use umsctl rm"},
+      {{"rmdir", phone + "/none"},
+       "0x20000008",
+       "No such file or directory",
+       "check the name, and that the device is still there"}};
+  for (const Case& expected : cases) {
+    const std::string line = "umsctl: " + expected.line.back() + ": " + expected.cause + " (" +
+                             expected.number + "); " + expected.advice + "\n";
+    EXPECT_EQ(umsctl(expected.line).error, line);
+    Ended ended = umsctl(withJson(expected.line));
+    const Json item = objectsOf(ended, "item").at(0);
+    EXPECT_EQ(item["number"], expected.number);
+    EXPECT_EQ(item["cause"], expected.cause);
+    EXPECT_EQ(item["advice"], expected.advice);
+    EXPECT_EQ(ended.error.find(line), 0u) << ended.error;
+  }
 }
 
 TEST_F(JsonOutput, CountsWhatACancelKeptFromBeingReached) {

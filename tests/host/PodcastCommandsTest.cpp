@@ -4,6 +4,7 @@
 #include <optional>
 
 #include "HostTest.h"
+#include "JsonLines.h"
 
 namespace umsservice::testing {
 namespace {
@@ -37,6 +38,15 @@ class PodcastCommands : public HostTest {
   }
   Ended pushFeed(const std::string& bytes) const {
     return umsctl(podcast("push", {"--feed", sandbox.file("a.rss", bytes), "--episodes", casts}));
+  }
+  /// Answers each question at a terminal.
+  static Ended answering(const Lines& arguments, const Lines& answers) {
+    RunningProgram program(arguments, {.atTerminal = true});
+    for (size_t i = 0; i < answers.size(); ++i) {
+      program.waitForOutput("(y/n/all/none/quit) ", i + 1);
+      program.type(answers[i] + "\n");
+    }
+    return program.wait();
   }
   static std::string lastLine(const Ended& ended) {
     Lines lines = linesOf(ended.output);
@@ -93,9 +103,8 @@ TEST_F(PodcastCommands, PushTreatsConflictsAsPushDoes) {
   Ended replaced = push({"--on-conflict", "overwrite"});
   EXPECT_EQ(lastLine(replaced), "2 copied (26.3 kB)");
   EXPECT_EQ(bytesOf(notes + "/morning-tone.mp3"), bytesOf(media("morning-tone.mp3")));
-  Ended asked = umsctl(podcast("push", {"--feed", feed, "--episodes", casts, "--on-conflict", "ask"}),
-                       {.input = "y\nn\n"});
-  EXPECT_EQ(lastLine(asked), "1 copied (12.9 kB), 1 skipped");
+  Ended asked = answering(podcast("push", {"--feed", feed, "--episodes", casts}), {"y", "n"});
+  EXPECT_NE(asked.output.find("1 copied (12.9 kB), 1 skipped\r\n"), std::string::npos) << asked.output;
 }
 
 TEST_F(PodcastCommands, PushTakesAPodcastWrittenAsJson) {
@@ -106,8 +115,8 @@ TEST_F(PodcastCommands, PushTakesAPodcastWrittenAsJson) {
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(lastLine(ended).substr(0, 8), "1 copied");
   EXPECT_TRUE(lastLine(ended).ends_with(", 2 failed"));
-  EXPECT_NE(ended.error.find("no/such.mp3: No such file or directory\n"), std::string::npos);
-  EXPECT_NE(ended.error.find("umsctl: w: it has no \"FilePath\"\n"), std::string::npos);
+  EXPECT_NE(ended.causes().find("no/such.mp3: No such file or directory\n"), std::string::npos);
+  EXPECT_NE(ended.causes().find("umsctl: w: it has no \"FilePath\"\n"), std::string::npos);
   EXPECT_EQ(treeOf(phone + "/Podcast"), (Lines{"A_B/", "A_B/A_B.xml", "A_B/plain-hum.mp3"}));
   EXPECT_NE(bytesOf(phone + "/Podcast/A_B/A_B.xml").find("<Duration>7</Duration>"), std::string::npos);
 }
@@ -167,7 +176,7 @@ TEST_F(PodcastCommands, PushKeepsEverythingInThePodcastFolderWhateverAFeedSays) 
   Ended ended = pushFeed(
       "<rss><channel><title>..</title><item><enclosure url='http://h/1.mp3'/></item></channel></rss>");
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + casts + "/1.mp3: its channel's title or its own name is no name for the device\n");
   EXPECT_EQ(lastLine(ended), "0 copied (0 B), 1 failed");
 }
@@ -202,14 +211,14 @@ TEST_F(PodcastCommands, PushAndSyncFindDownloadsWhosePathNoPlayerTakes) {
 
 TEST_F(PodcastCommands, PushSaysWhyAFileCannotGoUnderItsNameOrWithAnother) {
   const std::string blank = sandbox.file("casts/ ", "x");
-  EXPECT_EQ(pushJson(R"({"Title": "T", "children": [{"FilePath": ")" + blank + "\"}]}").error,
+  EXPECT_EQ(pushJson(R"({"Title": "T", "children": [{"FilePath": ")" + blank + "\"}]}").causes(),
             "umsctl: " + blank + ": its name is no name for the device\n");
   sandbox.file("casts/a:.mp3", "one");
   sandbox.file("casts/a*.mp3", "two");
   Ended ended = pushFeed(
       "<rss><channel><title>U</title><item><enclosure url='http://h/a:.mp3'/></item>"
       "<item><enclosure url='http://h/a*.mp3'/></item></channel></rss>");
-  EXPECT_EQ(ended.error, "umsctl: http://h/a*.mp3: another episode of the feed has the same file name\n");
+  EXPECT_EQ(ended.causes(), "umsctl: http://h/a*.mp3: another episode of the feed has the same file name\n");
   EXPECT_EQ(bytesOf(phone + "/Podcast/U/a_.mp3"), "one");
 }
 
@@ -219,7 +228,7 @@ TEST_F(PodcastCommands, PushFailsTheSecondOfTwoEpisodesOfOneFileName) {
       "<rss><channel><title>T</title><item><enclosure url='http://h/1/audio.mp3'/></item>"
       "<item><enclosure url='http://h/2/audio.mp3'/></item></channel></rss>");
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: http://h/2/audio.mp3: another episode of the feed has the same file name\n");
   EXPECT_EQ(treeOf(phone + "/Podcast"), (Lines{"T/", "T/T.xml", "T/audio.mp3"}));
 }
@@ -244,7 +253,7 @@ TEST_F(PodcastCommands, SyncTakesTheVolumeThatHasRoomAndSaysWhenNoneHas) {
   Lines arguments = podcast("sync", {"--feed", feed, "--episodes", casts});
   Ended ended = umsctl(arguments);
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error).front(),
+  EXPECT_EQ(linesOf(ended.causes()).front(),
             "umsctl: " + casts + "/morning-tone.mp3: its channel fits on no volume");
   EXPECT_EQ(lastLine(ended), "0 copied (0 B), 2 failed");
   arguments.insert(arguments.end(), {"--card", card});
@@ -280,29 +289,50 @@ TEST_F(PodcastCommands, LsTellsOfADamagedIndexAndLeavesStrayFilesAlone) {
   sandbox.file("phone/Podcast/stray.xml", "<channel><Title>Stray</Title></channel>");
   Ended ended = umsctl(podcast("ls", {}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
-            "umsctl: " + phone + "/Podcast/News/News.xml: it is no index of a podcast channel\n");
+  EXPECT_EQ(linesOf(ended.error),
+            (Lines{"umsctl: " + phone + "/Podcast/News/News.xml: it is no index of a podcast channel",
+                   "umsctl: " + phone + "/Podcast/News/News.xml.damaged: the damaged index of a podcast " +
+                       "channel is kept here; the new one is empty"}));
   EXPECT_EQ(linesOf(ended.output), Lines{"0  internal  " + phone});
   EXPECT_EQ(bytesOf(phone + "/Podcast/News/News.xml.damaged"), "damaged");
   EXPECT_EQ(treeOf(phone + "/Podcast"),
             (Lines{"News/", "News/News.xml", "News/News.xml.damaged", "News/old.xml", "stray.xml"}));
 }
 
+TEST_F(PodcastCommands, LsOfAllMediaTellsOfADamagedIndexToo) {
+  for (const std::string flag : {"-q", "--json"}) {
+    sandbox.file("phone/Podcast/News/News.xml", "damaged");
+    Ended ended = umsctl({"ls", "--type", "podcast", flag, "--internal", phone});
+    const std::string kept = phone + "/Podcast/News/News.xml.damaged" + (flag == "-q" ? "" : ".2");
+    const std::string text = "the damaged index of a podcast channel is kept here; the new one is empty";
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.error, "umsctl: " + kept + ": " + text + "\n");
+    EXPECT_EQ(bytesOf(kept), "damaged");
+    if (flag == "-q") continue;
+    EXPECT_EQ(objectsOf(ended, "message").at(0)["subject"], kept);
+    EXPECT_EQ(objectsOf(ended, "message").at(0)["text"], text);
+  }
+}
+
 TEST_F(PodcastCommands, RmDeletesSingleEpisodesByTitleOrFileAndTheWholeChannel) {
   downloadBoth();
   push();
   Ended refused = umsctl(podcast("rm", {"Harbour Notes"}));
-  EXPECT_EQ(refused.status, 1);
-  EXPECT_EQ(refused.error, "umsctl: Harbour Notes: nothing is deleted; --yes deletes without a question\n");
+  EXPECT_EQ(refused.status, 2);
+  EXPECT_EQ(
+      refused.error,
+      "umsctl: nothing is deleted: there is no terminal to ask at (--yes deletes without a question)\n");
   Ended one = umsctl(podcast("rm", {"--yes", "Harbour Notes", "The Morning Ferry"}));
   EXPECT_EQ(one.status, 0);
-  EXPECT_EQ(linesOf(one.output), (Lines{"deleted  " + notes + "/morning-tone.mp3", "1 deleted"}));
+  EXPECT_EQ(linesOf(one.output), (Lines{"deleted  " + notes + "/morning-tone.mp3", "1 deleted (12.9 kB)"}));
   EXPECT_EQ(treeOf(notes), (Lines{"Harbour Notes.xml", "evening-tone.flac"}));
   EXPECT_EQ(umsctl(podcast("rm", {"--yes", "Harbour Notes", "nothing"})).error,
             "umsctl: nothing: the channel has no such episode\n");
   EXPECT_EQ(umsctl(podcast("rm", {"--yes", "News"})).error,
             "umsctl: News: there is no such channel in " + phone + "/Podcast\n");
-  EXPECT_EQ(umsctl(podcast("rm", {"--yes", "Harbour Notes"})).status, 0);
+  Ended whole = umsctl(podcast("rm", {"--yes", "Harbour Notes"}));
+  EXPECT_EQ(whole.status, 0);
+  EXPECT_EQ(linesOf(whole.output).back(), "1 deleted (13.4 kB)");
   EXPECT_EQ(treeOf(phone), Lines{"Podcast/"});
 }
 
@@ -311,11 +341,20 @@ TEST_F(PodcastCommands, RmAsksAtATerminal) {
   push();
   for (const char* answer : {"n", "y"}) {
     RunningProgram running(podcast("rm", {"Harbour Notes"}), {.atTerminal = true});
-    running.waitForOutput("Delete the whole channel Harbour Notes, 2 episodes? (y/n) ");
+    running.waitForOutput(
+        "Delete the channel Harbour Notes with 2 episodes (26.3 kB) from the device? (y/n) ");
     running.type(std::string(answer) + "\n");
-    EXPECT_EQ(running.wait().status, 0);
+    Ended ended = running.wait();
+    EXPECT_EQ(ended.status, 0);
+    EXPECT_EQ(ended.output.find("umsctl: nothing is deleted\r\n") != std::string::npos,
+              answer == std::string("n"));
     EXPECT_EQ(exists(notes), answer == std::string("n"));
   }
+  push();
+  RunningProgram running(podcast("rm", {"Harbour Notes", "The Morning Ferry"}), {.atTerminal = true});
+  running.waitForOutput("Delete 1 episode (12.9 kB) of the channel Harbour Notes from the device? (y/n) ");
+  running.type("\n");
+  EXPECT_EQ(running.wait().status, 0);
 }
 
 TEST_F(PodcastCommands, RmFindsTheChannelByItsFolderWhateverItsTitleSays) {
@@ -361,21 +400,22 @@ TEST_F(PodcastCommands, SendAsksAnewForEachOfTwoEpisodesOnOneFile) {
                "<Post><Title>Two</Title><FilePath>a.mp3</FilePath></Post></channel>");
   sandbox.file("phone/Podcast/News/a.mp3", "new");
   const std::string there = sandbox.file("card/Podcast/News/a.mp3", "old");
-  auto send = [&](const std::string& onConflict, const std::string& input) {
-    return umsctl({"podcast", "send", "--from-internal", phone, "--internal", card, "--on-conflict",
-                   onConflict, "News"},
-                  {.input = input});
+  auto sending = [&](const std::string& onConflict) {
+    return Lines{"podcast", "send",          "--from-internal", phone, "--internal",
+                 card,      "--on-conflict", onConflict,        "News"};
   };
-  Ended skipped = send("skip", "");
+  Ended skipped = umsctl(sending("skip"));
   EXPECT_EQ(skipped.status, 0);
   EXPECT_EQ(lastLine(skipped), "0 copied (0 B), 2 skipped");
   EXPECT_EQ(bytesOf(there), "old");
-  EXPECT_EQ(lastLine(send("ask", "n\nn\n")), "0 copied (0 B), 2 skipped");
+  EXPECT_NE(answering(sending("ask"), {"n", "n"}).output.find("0 copied (0 B), 2 skipped\r\n"),
+            std::string::npos);
   EXPECT_EQ(bytesOf(there), "old");
-  EXPECT_EQ(lastLine(send("ask", "n\ny\n")), "1 copied (3 B), 1 skipped");
+  EXPECT_NE(answering(sending("ask"), {"n", "y"}).output.find("1 copied (3 B), 1 skipped\r\n"),
+            std::string::npos);
   EXPECT_EQ(bytesOf(there), "new");
   sandbox.file("card/Podcast/News/a.mp3", "old");
-  EXPECT_EQ(lastLine(send("overwrite", "")), "2 copied (6 B)");
+  EXPECT_EQ(lastLine(umsctl(sending("overwrite"))), "2 copied (6 B)");
   EXPECT_EQ(bytesOf(there), "new");
 }
 

@@ -13,8 +13,10 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdlib>
+#include <regex>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 namespace umsservice::testing {
 namespace {
@@ -78,12 +80,14 @@ RunningProgram::RunningProgram(const std::vector<std::string>& arguments, const 
 }
 
 RunningProgram::~RunningProgram() {
+  endSlowness();
   if (!hasExited_) {
     kill(process_, SIGKILL);
     waitpid(process_, nullptr, 0);
   }
   closeOnce(output_);
   closeOnce(error_);
+  closeOnce(input_);
 }
 
 void RunningProgram::startAtTerminal(const Setting& setting, char* const* arguments) {
@@ -116,6 +120,7 @@ void RunningProgram::startWithPipes(const Setting& setting, char* const* argumen
   }
   // Small enough for the pipe, so it never blocks here.
   if (write(in.writing(), setting.input.data(), setting.input.size()) < 0) giveUp("cannot type ahead");
+  if (setting.openInput) input_ = std::exchange(in.writing(), -1);
   for (int* descriptor : {&in.reading(), &in.writing(), &out.writing(), &err.writing(), &outputFile})
     closeOnce(*descriptor);
   output_ = out.reading();
@@ -161,11 +166,30 @@ void RunningProgram::sendSignal(int number) {
   kill(process_, number);
 }
 
+void RunningProgram::slowDown() {
+  isSlow_ = true;
+  slowness_ = std::thread([this] {
+    while (isSlow_) {
+      kill(process_, SIGSTOP);
+      std::this_thread::sleep_for(std::chrono::milliseconds(60));
+      kill(process_, SIGCONT);
+      std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    }
+  });
+}
+
+/// Before the process is waited for: afterwards its number may be another's.
+void RunningProgram::endSlowness() {
+  isSlow_ = false;
+  if (slowness_.joinable()) slowness_.join();
+}
+
 void RunningProgram::closeOutput() {
   closeOnce(output_);
 }
 
 int RunningProgram::waitForExit() {
+  endSlowness();
   const auto deadline = Clock::now() + kPatience;
   int state = 0;
   while (waitpid(process_, &state, WNOHANG) == 0) {
@@ -178,6 +202,7 @@ int RunningProgram::waitForExit() {
 }
 
 Ended RunningProgram::wait() {
+  endSlowness();
   const auto deadline = Clock::now() + kPatience;
   while (output_ >= 0 || error_ >= 0) {
     pollfd waiting[] = {{output_, POLLIN, 0}, {error_, POLLIN, 0}};
@@ -189,6 +214,11 @@ Ended RunningProgram::wait() {
   }
   if (!hasExited_) waitForExit();
   return ended_;
+}
+
+std::string Ended::causes() const {
+  static const std::regex numberAndAdvice(" \\(0x[0-9a-f]{8}\\); [^\n]*");
+  return std::regex_replace(error, numberAndAdvice, "");
 }
 
 Ended umsctl(const std::vector<std::string>& arguments, const Setting& setting) {

@@ -3,8 +3,10 @@
 
 #include <sys/types.h>
 
+#include <atomic>
 #include <map>
 #include <string>
+#include <thread>
 #include <vector>
 
 namespace umsservice::testing {
@@ -19,6 +21,7 @@ struct Setting {
   std::string folder;                                ///< working folder; empty for the test's own
   std::string program = TEST_UMSCTL;
   std::string input;       ///< typed ahead on standard input, which then ends; pipes only
+  bool openInput = false;  ///< standard input does not end, as that of a program that goes on; pipes only
   std::string outputFile;  ///< standard output goes here instead
 };
 
@@ -27,6 +30,9 @@ struct Ended {
   int status = -1;  ///< as a shell sees it: 128 more than the signal for a program that was killed
   std::string output;
   std::string error;
+
+  /// What was said on standard error, without the numbers and advices of failed items.
+  std::string causes() const;
 };
 
 /// A program while it runs. Waits last a minute at most; then the program is killed and the test fails.
@@ -47,6 +53,8 @@ class RunningProgram {
   /// Makes the terminal's window so many columns wide; the program is told as by any terminal.
   void resize(unsigned short columns);
   void sendSignal(int number);
+  /// From here on the program runs as on a much slower machine, until its end is waited for.
+  void slowDown();
   /// Takes the reader of standard output away.
   void closeOutput();
   /// Waits for the end without reading anything.
@@ -62,9 +70,14 @@ class RunningProgram {
   bool readSome(int& descriptor, std::string& seen);
   void giveUp(const std::string& reason);
 
+  void endSlowness();
+
   pid_t process_ = -1;
   int output_ = -1;  ///< the terminal's own side where there is one
   int error_ = -1;
+  int input_ = -1;  ///< kept open where that is wished for
+  std::atomic<bool> isSlow_{false};
+  std::thread slowness_;
   bool hasExited_ = false;
   Ended ended_;
 };

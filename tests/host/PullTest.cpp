@@ -79,12 +79,12 @@ TEST_F(Pull, BringsNothingFromElsewhere) {
   ASSERT_EQ(mkfifo(fifo.c_str(), 0600), 0);
   Ended ended = umsctl(pulling({secret, link, circle, fifo, phone + "/Music", phone + "/none.mp3"}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error), (Lines{"umsctl: " + secret + ": it is on none of the device's volumes",
-                                         "umsctl: " + link + ": it is on none of the device's volumes",
-                                         "umsctl: " + circle + ": it is on none of the device's volumes",
-                                         "umsctl: " + fifo + ": it is no ordinary file",
-                                         "umsctl: " + phone + "/Music: it is a folder",
-                                         "umsctl: " + phone + "/none.mp3: No such file or directory"}));
+  EXPECT_EQ(linesOf(ended.causes()), (Lines{"umsctl: " + secret + ": it is on none of the device's volumes",
+                                            "umsctl: " + link + ": it is on none of the device's volumes",
+                                            "umsctl: " + circle + ": it is on none of the device's volumes",
+                                            "umsctl: " + fifo + ": it is no ordinary file",
+                                            "umsctl: " + phone + "/Music: it is a folder",
+                                            "umsctl: " + phone + "/none.mp3: No such file or directory"}));
   EXPECT_EQ(linesOf(ended.output), Lines{"0 copied (0 B), 6 failed"});
   EXPECT_FALSE(exists(into));
 }
@@ -100,7 +100,7 @@ TEST_F(Pull, SaysWhyItsFolderCannotBeMade) {
   sandbox.file("computer", "a file");
   Ended ended = umsctl(pulling({song}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + song + ": the folder cannot be made: Not a directory\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + song + ": the folder cannot be made: Not a directory\n");
 }
 
 TEST_F(Pull, SaysThatTheComputerIsFull) {
@@ -109,7 +109,7 @@ TEST_F(Pull, SaysThatTheComputerIsFull) {
   std::string large = sandbox.patternFile("phone/large.mp3", 2'000'000);
   Ended ended = umsctl(pulling({song, large, film}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error),
+  EXPECT_EQ(linesOf(ended.causes()),
             Lines{"umsctl: " + large + ": not enough room on the volume: 2.0 MB needed, 1.0 MB free"});
   EXPECT_EQ(treeOf(into), (Lines{"film.mp4", "song.mp3"}));
 }

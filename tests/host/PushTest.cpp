@@ -57,7 +57,7 @@ TEST_F(Push, FindsRelativeFilesAndVolumesFromTheWorkingFolder) {
 TEST_F(Push, NamesAMissingFileWithItsCauseAndCopiesTheOthers) {
   Ended ended = umsctl(pushing({"no/such.mp3", media("sunrise.jpg"), "nothing", ""}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error),
+  EXPECT_EQ(linesOf(ended.causes()),
             (Lines{"umsctl: no/such.mp3: No such file or directory",
                    "umsctl: nothing: No such file or directory", "umsctl: '': No such file or directory"}));
   EXPECT_EQ(linesOf(ended.output).back(), "1 copied (1.0 kB), 3 failed");
@@ -69,7 +69,7 @@ TEST_F(Push, LeavesNothingBehindOfAFileThatMayNotBeRead) {
   chmod(secret.c_str(), 0);
   Ended ended = umsctl(pushing({secret, media("sunrise.jpg")}), {.withoutRootPowers = true});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + secret + ": Permission denied\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + secret + ": Permission denied\n");
   EXPECT_EQ(treeOf(phone), (Lines{"DCIM/", "DCIM/Camera/", "DCIM/Camera/sunrise.jpg"}));
 }
 
@@ -81,7 +81,7 @@ TEST_F(Push, SaysWhatIsWrongWithThingsThatAreNoMediaFiles) {
   Ended ended = umsctl(pushing({media("notes.txt"), folder, folderLikeASong, fifo}));
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(
-      linesOf(ended.error),
+      linesOf(ended.causes()),
       (Lines{"umsctl: " + media("notes.txt") + ": by its name it is no music, image or video file",
              "umsctl: " + folder + ": it is a folder", "umsctl: " + folderLikeASong + ": it is a folder",
              "umsctl: " + fifo + ": it is no ordinary file"}));
@@ -93,7 +93,7 @@ TEST_F(Push, KeepsAFileOfTheDeviceThatNothingReadableWouldReplace) {
   for (const std::string policy : {"overwrite", "skip"}) {
     Ended ended = umsctl(pushing({"--on-conflict", policy, sandbox.at("song.mp3")}));
     EXPECT_EQ(ended.status, 1);
-    EXPECT_EQ(ended.error, "umsctl: " + sandbox.at("song.mp3") + ": No such file or directory\n");
+    EXPECT_EQ(ended.causes(), "umsctl: " + sandbox.at("song.mp3") + ": No such file or directory\n");
     EXPECT_EQ(bytesOf(there), "the only copy");
   }
 }
@@ -102,7 +102,7 @@ TEST_F(Push, SaysWhyAFolderOfTheDeviceCannotBeMade) {
   sandbox.file("phone/Music", "a file where the folder belongs");
   Ended ended = umsctl(pushing({media("plain-hum.mp3")}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + media("plain-hum.mp3") + ": its folder on the device cannot be made: File exists\n");
   EXPECT_EQ(bytesOf(phone + "/Music"), "a file where the folder belongs");
 }
@@ -111,7 +111,8 @@ TEST_F(Push, NeverReplacesAFolder) {
   sandbox.folder("phone/Music/plain-hum.mp3/inner");
   Ended ended = umsctl(pushing({"--on-conflict", "overwrite", media("plain-hum.mp3")}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + media("plain-hum.mp3") + ": a folder of that name is in its place\n");
+  EXPECT_EQ(ended.causes(),
+            "umsctl: " + media("plain-hum.mp3") + ": a folder of that name is in its place\n");
   EXPECT_TRUE(exists(phone + "/Music/plain-hum.mp3/inner"));
 }
 
@@ -127,8 +128,9 @@ TEST_F(Push, ShowsOddNamesEscaped) {
             (Lines{"copied   " + phone + "/Music/\\x1b[31mred\\nsong\\xff.mp3",
                    "copied   " + phone + "/Music/[a,b].mp3", "copied   " + phone + "/Music/-dash.mp3",
                    "3 copied (6 B), 2 failed"}));
-  EXPECT_EQ(linesOf(ended.error), (Lines{"umsctl: ./[live]: by its name it is no music, image or video file",
-                                         "umsctl: ./++: No such file or directory"}));
+  EXPECT_EQ(linesOf(ended.causes()),
+            (Lines{"umsctl: ./[live]: by its name it is no music, image or video file",
+                   "umsctl: ./++: No such file or directory"}));
   EXPECT_EQ(bytesOf(phone + "/Music/\x1b[31mred\nsong\xff.mp3"), "la");
 }
 

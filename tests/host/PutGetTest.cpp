@@ -65,7 +65,7 @@ TEST_F(Put, NeverReplacesAFileByItselfNorAnythingButAFile) {
   for (const std::string& path : {fifo, link, phone + "/folder"}) {
     Ended ended = umsctl(putting({"--on-conflict", "overwrite", mine, path}));
     EXPECT_EQ(ended.status, 1) << path;
-    EXPECT_NE(ended.error.find(" of that name is in its place\n"), std::string::npos) << ended.error;
+    EXPECT_NE(ended.causes().find(" of that name is in its place\n"), std::string::npos) << ended.error;
   }
   EXPECT_FALSE(exists(sandbox.at("nowhere")));
 }
@@ -86,11 +86,11 @@ TEST_F(Put, RefusesPathsThatLeadElsewhere) {
 TEST_F(Put, SaysWhatIsWrongWithItsFile) {
   Ended ended = umsctl(putting({"none.dat", phone + "/x.dat"}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: none.dat: No such file or directory\n");
+  EXPECT_EQ(ended.causes(), "umsctl: none.dat: No such file or directory\n");
   EXPECT_EQ(linesOf(ended.output), Lines{"0 copied (0 B), 1 failed"});
-  EXPECT_EQ(umsctl(putting({"/dev/zero", phone + "/x.dat"})).error,
+  EXPECT_EQ(umsctl(putting({"/dev/zero", phone + "/x.dat"})).causes(),
             "umsctl: /dev/zero: it is no ordinary file\n");
-  EXPECT_EQ(umsctl(putting({card, phone + "/x.dat"})).error, "umsctl: " + card + ": it is a folder\n");
+  EXPECT_EQ(umsctl(putting({card, phone + "/x.dat"})).causes(), "umsctl: " + card + ": it is a folder\n");
   EXPECT_EQ(umsctl(putting({mine, phone + "/" + std::string(300, 'n')})).status, 1);
   EXPECT_TRUE(treeOf(phone).empty());
 }
@@ -99,7 +99,7 @@ TEST_F(Put, SaysWhyItsFolderCannotBeMade) {
   std::string file = sandbox.file("phone/file", "a file");
   Ended ended = umsctl(putting({mine, file + "/x.dat"}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + mine + ": its folder on the device cannot be made: File exists\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + mine + ": its folder on the device cannot be made: File exists\n");
   EXPECT_EQ(bytesOf(file), "a file");
 }
 
@@ -110,7 +110,7 @@ TEST_F(Put, WritesNothingThatDoesNotFit) {
   std::string there = sandbox.file("phone/there.dat", "old");
   Ended ended = umsctl(putting({"--on-conflict", "overwrite", large, there}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + large + ": not enough room on the volume: 2.0 MB needed, 1.0 MB free\n");
   EXPECT_EQ(bytesOf(there), "old");
 }
@@ -154,7 +154,7 @@ TEST_F(Get, ReadsNothingFromElsewhere) {
   for (const std::string& path : {mine, link}) {
     Ended ended = umsctl(getting({path, sandbox.at("got.dat")}));
     EXPECT_EQ(ended.status, 1);
-    EXPECT_EQ(ended.error, "umsctl: " + path + ": it is on none of the device's volumes\n");
+    EXPECT_EQ(ended.causes(), "umsctl: " + path + ": it is on none of the device's volumes\n");
   }
   EXPECT_FALSE(exists(sandbox.at("got.dat")));
 }
@@ -166,7 +166,7 @@ TEST_F(Get, KeepsAnOldFileWhenTheComputerIsFull) {
   std::string old = sandbox.file("full/old.dat", "old");
   Ended ended = umsctl(getting({"--on-conflict", "overwrite", large, old}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + large + ": not enough room on the volume: 2.0 MB needed, 1.0 MB free\n");
   EXPECT_EQ(bytesOf(old), "old");
 }
@@ -177,7 +177,7 @@ TEST_F(Get, LeavesNoHalfFileBehindWhenCopyingBreaksOff) {
                         "' '" + sandbox.at("got.dat") + "'";
   Ended ended = umsctl({"-c", command}, {.program = "/bin/bash"});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + large + ": copying failed\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + large + ": copying failed\n");
   EXPECT_FALSE(exists(sandbox.at("got.dat")));
 }
 

@@ -95,7 +95,7 @@ TEST_F(Remove, RefusesWhatLiesElsewhere) {
   for (const std::string& path : elsewhere) {
     Ended ended = umsctl(removing({"--yes", path}));
     EXPECT_EQ(ended.status, 1);
-    EXPECT_EQ(ended.error, "umsctl: " + path + ": it is on none of the device's volumes\n");
+    EXPECT_EQ(ended.causes(), "umsctl: " + path + ": it is on none of the device's volumes\n");
   }
   EXPECT_EQ(bytesOf(outside), "mine");
   EXPECT_TRUE(exists(song));
@@ -117,7 +117,7 @@ TEST_F(Remove, NamesWhatItCannotDeleteWithItsCauseAndDeletesTheOthers) {
   Ended ended = umsctl(removing({"--yes", "none.mp3", folder, fifo, phone + "/\x1b\xff.mp3", song, song}),
                        {.folder = phone});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error),
+  EXPECT_EQ(linesOf(ended.causes()),
             (Lines{"umsctl: none.mp3: No such file or directory",
                    "umsctl: " + folder + ": it is a folder; umsctl rmdir removes folders",
                    "umsctl: " + phone + "/\\x1b\\xff.mp3: No such file or directory",
@@ -131,7 +131,7 @@ TEST_F(Remove, SaysWhyAFileStays) {
   Ended ended = umsctl(removing({"--yes", song}), {.withoutRootPowers = true});
   chmod((phone + "/Music").c_str(), 0700);
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + song + ": it cannot be removed: Permission denied\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + song + ": it cannot be removed: Permission denied\n");
 }
 
 TEST_F(Remove, EndsWithThreeForAMissingVolumeBeforeAnyQuestion) {

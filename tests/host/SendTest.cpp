@@ -80,7 +80,7 @@ TEST_F(Send, NeverReplacesAFileByItselfNorAnythingButAFile) {
   ASSERT_EQ(symlink(sandbox.at("nowhere").c_str(), (player + "/DCIM/Camera/film.mp4").c_str()), 0);
   Ended ended = umsctl(sending({"--on-conflict", "overwrite", song, film}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error),
+  EXPECT_EQ(linesOf(ended.causes()),
             (Lines{"umsctl: " + song + ": a folder of that name is in its place",
                    "umsctl: " + film + ": no ordinary file of that name is in its place"}));
   EXPECT_TRUE(exists(player + "/Music/song.mp3/inner"));
@@ -93,7 +93,7 @@ TEST_F(Send, EndsTheListOfAKindWhenTheOtherDeviceIsFull) {
   std::string large = sandbox.patternFile("phone/large.mp3", 2'000'000);
   Ended ended = umsctl(sending({large, song, film}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error),
+  EXPECT_EQ(linesOf(ended.causes()),
             (Lines{"umsctl: " + large + ": not enough room on the volume: 2.0 MB needed, 1.0 MB free",
                    "umsctl: " + song + ": not tried, the volume is full"}));
   EXPECT_EQ(treeOf(player), (Lines{"DCIM/", "DCIM/Camera/", "DCIM/Camera/film.mp4"}));
@@ -108,7 +108,7 @@ TEST_F(Send, SaysWhatIsWrongWithEachFile) {
   std::string odd = sandbox.file("card/\x1b[31m\xff.mp3", "la");
   Ended ended = umsctl(sending({secret, link, note, film, phone + "/none.mp3", odd}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(linesOf(ended.error),
+  EXPECT_EQ(linesOf(ended.causes()),
             (Lines{"umsctl: " + secret + ": it is on none of the device's volumes",
                    "umsctl: " + link + ": it is on none of the device's volumes",
                    "umsctl: " + note + ": by its name it is no music, image or video file",
@@ -124,7 +124,7 @@ TEST_F(Send, LeavesNoHalfFileBehindWhenCopyingBreaksOff) {
                         "' --internal '" + player + "' '" + large + "'";
   Ended ended = umsctl({"-c", command}, {.program = "/bin/bash"});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + large + ": copying failed\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + large + ": copying failed\n");
   EXPECT_EQ(treeOf(player), Lines{"Music/"});
   EXPECT_EQ(bytesOf(large).size(), 2'000'000u);
 }

@@ -69,7 +69,7 @@ TEST_F(Sync, GoesOnWithFilesThatFitWhenAllVolumesAreTooFullForOne) {
   std::string large = sandbox.patternFile("large.mp3", 2'000'000);
   Ended ended = umsctl(syncing({large, media("plain-hum.mp3")}));
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error,
+  EXPECT_EQ(ended.causes(),
             "umsctl: " + large + ": not enough room on the volume: 2.0 MB needed, 1.0 MB free\n");
   EXPECT_EQ(linesOf(ended.output).back(), "1 copied (8.3 kB), 1 failed");
   EXPECT_EQ(bytesOf(large).size(), 2'000'000u);
@@ -82,7 +82,7 @@ TEST_F(Sync, LeavesNoPartOnAnyVolumeWhenCopyingBreaksOff) {
                         card + "' '" + large + "'";
   Ended ended = umsctl({"-c", command}, {.program = "/bin/bash"});
   EXPECT_EQ(ended.status, 1);
-  EXPECT_EQ(ended.error, "umsctl: " + large + ": copying failed: File too large\n");
+  EXPECT_EQ(ended.causes(), "umsctl: " + large + ": copying failed: File too large\n");
   EXPECT_EQ(treeOf(phone), Lines{"Music/"});
   EXPECT_EQ(treeOf(card), (Lines{"Music/", "Music/other.mp3"}));
 }
@@ -154,7 +154,7 @@ TEST_F(Sync, SaysWhatIsWrongWithEachFileInTheOrderGiven) {
   Ended ended = umsctl(syncing({media("notes.txt"), fifo, media("sunrise.jpg"), "none.mp3", odd}));
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(
-      linesOf(ended.error),
+      linesOf(ended.causes()),
       (Lines{"umsctl: " + media("notes.txt") + ": by its name it is no music, image or video file",
              "umsctl: " + fifo + ": it is no ordinary file",
              "umsctl: " + media("sunrise.jpg") + ": its folder on the device cannot be made: Not a directory",
