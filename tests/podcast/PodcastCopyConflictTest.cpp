@@ -134,5 +134,23 @@ TEST_F(PodcastCopyConflict, KeepsTheOldFileWhenItCannotBeDeletedAndGoesOn) {
       log.has("Podcast Download " + sandbox.at("in/1.mp3") + " to " + podcasts + "/News/1.mp3 failed."));
 }
 
+TEST_F(PodcastCopyConflict, EndsTheRunForAStopInTheSecondCopy) {
+  useDelegate();
+  delegate.answer = {true, true, true};
+  files.setFault([&](FileCall call, const std::string& path) {
+    if (call == FileCall::Remove && path.ends_with("1.mp3")) service->cancelFileAction(7);
+    return 0;
+  });
+  EXPECT_TRUE(copy(again)) << "the index has been written";
+  EXPECT_EQ(onDevice(), (Texts{"", "old 2"})) << "stopped before the first of its bytes";
+  EXPECT_EQ(listed("News"), (Texts{"1.mp3", "2.mp3"}));
+  EXPECT_EQ(results().size(), 0u);
+  EXPECT_EQ(lastFailCount(), 0u);
+  EXPECT_EQ(numbers(progress(), key::kTransferStatus).back(), 3u);
+  EXPECT_FALSE(service->isCancelServiceId(7));
+  EXPECT_EQ(newOutcomes(),
+            (Texts{"0 not reached $/in/1.mp3 0x10000008", "1 not reached $/in/2.mp3 0x10000008"}));
+}
+
 }  // namespace
 }  // namespace umsservice::testing

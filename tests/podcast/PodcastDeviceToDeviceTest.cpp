@@ -349,5 +349,69 @@ TEST_F(PodcastDeviceToDevice, StopsInTheMiddleOfAnEpisodeWhenThisServiceIsReleas
   EXPECT_EQ(bytesOf(peerDisk + "/Podcast/News/1.mp3").size(), kFirstReport);
 }
 
+TEST_F(PodcastDeviceToDevice, EndsTheRunForAStopCodeOfTheSecondWrite) {
+  sandbox.folder("peer/Podcast/News");
+  delegate.answer = {true, true, false};
+  for (uint32_t stop : {uint32_t{kErrorStopped}, uint32_t{kErrorStoppedByPeer}}) {
+    auto other = useScriptedPeer();
+    other->answer = [&](uint32_t& error) {
+      error = other->writes.size() == 1 ? uint32_t{kErrorFileExists} : stop;
+      return false;
+    };
+    notifications.clear();
+    EXPECT_TRUE(send(
+        {channel("News", {onDevice("1.mp3"), onDevice("2.mp3")}), channel("Arts", {onDevice("3.mp3")})}));
+    EXPECT_EQ(other->writes.size(), 2u);
+    EXPECT_EQ(results().size(), 0u);
+    EXPECT_EQ(numbers(progress(), key::kTransferStatus).back(), 3u);
+    EXPECT_EQ(fieldOf(peerIndex("News"), "FilePath"), Texts{});
+    EXPECT_FALSE(exists(peerDisk + "/Podcast/Arts"));
+    const Texts last = outcomes();
+    EXPECT_EQ(Texts(last.end() - 3, last.end()),
+              (Texts{"0 not reached $/internal/Podcast/News/1.mp3 " + hexadecimal(stop),
+                     "1 not reached $/internal/Podcast/News/2.mp3 0x10000008",
+                     "2 not reached $/internal/Podcast/News/3.mp3 0x10000008"}));
+  }
+}
+
+TEST_F(PodcastDeviceToDevice, OfTwoFilesOfOneNameTheSecondReplacesTheFirstAndBothAreListed) {
+  Dictionary twin{{"Url", "http://host/twin"},
+                  {"Length", 6},
+                  {key::kFilePath, sandbox.file("internal/Podcast/Arts/1.mp3", "second")}};
+  useDelegate();
+  EXPECT_TRUE(send({channel("News", {onDevice("1.mp3", "first"), twin})}));
+  EXPECT_EQ(delegate.asked(), Texts{}) << "the other device replaces what is there without a word";
+  EXPECT_EQ(treeOf(peerDisk + "/Podcast/News"), (Texts{"1.mp3", "News.xml"}));
+  EXPECT_EQ(bytesOf(peerDisk + "/Podcast/News/1.mp3"), "second");
+  EXPECT_EQ(fieldOf(peerIndex("News"), "Url"), (Texts{"http://host/1.mp3", "http://host/twin"}));
+  EXPECT_EQ(fieldOf(peerIndex("News"), "FilePath"), (Texts{"1.mp3", "1.mp3"}));
+  EXPECT_EQ(numbers(results(), key::kResultStatus),
+            (std::vector<uint32_t>{kItemTransferred, kItemTransferred}));
+  EXPECT_EQ(outcomes(), (Texts{"0 done $/internal/Podcast/News/1.mp3 0x00000000",
+                               "1 done $/internal/Podcast/Arts/1.mp3 0x00000000"}));
+}
+
+TEST_F(PodcastDeviceToDevice, LeavesTheIndexOfADestinationThatGoesAwayBeforeItIsWritten) {
+  send({channel("News", {onDevice("1.mp3")})});
+  forget();
+  const std::string elsewhere = sandbox.at("pulled");
+  once(kMediaResultNotification, [&] { std::filesystem::rename(peerDisk, elsewhere); });
+  EXPECT_FALSE(send({channel("News", {onDevice("2.mp3")})}));
+  EXPECT_EQ(linesOf(surroundings, kDeviceToDeviceMethod), Lines{"Podcast XML Data send is failed."});
+  EXPECT_FALSE(exists(peerDisk));
+  EXPECT_EQ(treeOf(elsewhere + "/Podcast"), (Texts{"News/", "News/1.mp3", "News/2.mp3", "News/News.xml"}));
+  EXPECT_EQ(fieldOf(service->checkXmlData(elsewhere + "/Podcast/News", "News"), "FilePath"), Texts{"1.mp3"});
+  EXPECT_EQ(treeOf(podcasts), (Texts{"News/", "News/1.mp3", "News/2.mp3"})) << "the source stays as it is";
+}
+
+TEST_F(PodcastDeviceToDevice, WritesNoIndexOnTheComputerWhenTheDestinationIsPulled) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume volume(peerDisk, 512 * 1024);
+  once(kMediaResultNotification, [&] { volume.vanish(); });
+  EXPECT_FALSE(send({channel("News", {onDevice("1.mp3")})}));
+  EXPECT_EQ(treeOf(peerDisk), Texts{});
+  EXPECT_EQ(outcomes(), Texts{"0 done $/internal/Podcast/News/1.mp3 0x00000000"});
+}
+
 }  // namespace
 }  // namespace umsservice::testing

@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "KeptNotifiers.h"
 #include "PodcastFallOver.h"
 #include "PodcastTest.h"
 
@@ -23,6 +24,12 @@ class PodcastFallOver : public PodcastTest {
   }
   /// More than the internal memory holds.
   Dictionary large(const std::string& name) const { return episode(name, std::string(300 * 1024, 'x')); }
+  static Lines linesWith(const std::string& start, const Lines& all) {
+    Lines found;
+    std::copy_if(all.begin(), all.end(), std::back_inserter(found),
+                 [&](const std::string& line) { return line.starts_with(start); });
+    return found;
+  }
   void addThirdVolume() { service->addDiskInformation(disk(2, third)); }
 
   const std::string third = sandbox.folder("third");
@@ -173,10 +180,86 @@ TEST_F(PodcastFallOver, StopsForACancelInsideAnEpisodeAndListsItNot) {
 }
 
 TEST_F(PodcastFallOver, OfAChannelThatFitsNowhereLeavesTheResultOfTheChannelBefore) {
-  Dictionary tooLarge = episode("2.mp3");
-  tooLarge.set("Length", uint64_t{1} << 50);
-  EXPECT_TRUE(sync({channel("News", {large("1.mp3")}), channel("Arts", {tooLarge})}));
-  EXPECT_FALSE(exists(card + "/Podcast/Arts"));
+  TmpfsVolume smallCard(card, 512 * 1024);
+  sandbox.file("internal/Podcast/Bad", "a file");  // no folder can be made there
+  for (const Value& length : {Value(2'000'000'000), Value("2000000000")}) {
+    Dictionary boasting = episode("2.mp3");
+    boasting.set("Length", length);
+    const Dictionary news = channel("News", {large("1.mp3")});
+    const Dictionary bad = channel("Bad", {episode("3.mp3")});
+    const Dictionary arts = channel("Arts", {boasting});
+    EXPECT_TRUE(sync({bad, news, arts}));
+    EXPECT_EQ(outcomes().back(), "2 failed $/in/2.mp3 0x1000000a");
+    EXPECT_EQ(treeOf(internal), (Texts{"Podcast/", "Podcast/Bad"}));
+    EXPECT_EQ(treeOf(card),
+              (Texts{"Podcast/", "Podcast/News/", "Podcast/News/1.mp3", "Podcast/News/News.xml"}));
+    std::filesystem::remove_all(card + "/Podcast");
+    EXPECT_FALSE(sync({channel("News", {large("1.mp3")}), bad, arts}));
+    EXPECT_EQ(treeOf(internal), (Texts{"Podcast/", "Podcast/Bad"}));
+    EXPECT_TRUE(exists(card + "/Podcast/News/News.xml"));
+    EXPECT_FALSE(exists(card + "/Podcast/Arts"));
+    std::filesystem::remove_all(card + "/Podcast");
+  }
+}
+
+TEST_F(PodcastFallOver, ThatEndsWithAnotherNumberThanAFullVolumeCountsTheChannelWithoutAResult) {
+  EXPECT_TRUE(
+      sync({channel("News", {large("1.mp3"), missing("2.mp3")}), channel("Arts", {episode("3.mp3")})}));
+  EXPECT_EQ(fieldOf(service->checkXmlData(card + "/Podcast/News", "News"), "Url").size(), 2u);
+  EXPECT_EQ(linesWith("result", story(surroundings)),
+            (Lines{"result 0x10000001 volume 1 $/in/1.mp3", "result 0x20000008 volume 1 $/in/2.mp3",
+                   "result 0x10000001 volume 0 $/in/3.mp3"}))
+      << "one for each episode, none for the channel";
+  EXPECT_EQ(lastFailCount(), 2u) << "the whole channel";
+  EXPECT_EQ(outcomes(), (Texts{"0 done $/in/1.mp3 0x00000000", "1 failed $/in/2.mp3 0x20000008",
+                               "2 done $/in/3.mp3 0x00000000"}));
+}
+
+TEST_F(PodcastFallOver, SaysUnderItsOwnNameThatTheServiceIsReleasedBeforeItMakesAFolder) {
+  service->disconnectDevice("location-1");
+  expectLine(surroundings, 5, kFallOverMethod, "Device Disconnected - location-1",
+             [&] { EXPECT_FALSE(sync({channel("News", {large("1.mp3")})})); });
+  EXPECT_EQ(treeOf(card), Texts{});
+  EXPECT_EQ(numbers(progress(), key::kTransferStatus).back(), 3u);
+  EXPECT_EQ(outcomes().back(), "0 not reached $/in/1.mp3 0x10000008");
+}
+
+TEST_F(PodcastFallOver, SaysAtItsLevelWhatIsNoEpisode) {
+  const Dictionary pathless{{"Url", "http://host/x"}, {"Length", 0}};
+  const Dictionary nameless{{"Url", "http://host/y"}, {"Length", 0}, {key::kFilePath, "/"}};
+  const std::pair<Value, const char*> kRows[] = {
+      {Null(), "Episode Data is nil."},
+      {pathless, "Episode Medias File Path is nil."},
+      {nameless, "Target Episode Path is nil. Next episode processing."},
+  };
+  for (const auto& [bad, message] : kRows) {
+    expectLine(surroundings, 1, kFallOverMethod, message, [&, bad = bad] {
+      std::filesystem::remove_all(card + "/Podcast");
+      notifications.clear();
+      EXPECT_TRUE(sync({channel("News", {missing("1.mp3"), bad, large("2.mp3")})}));
+    });
+    EXPECT_EQ(fieldOf(service->checkXmlData(card + "/Podcast/News", "News"), "Url"),
+              (Texts{"http://host/1.mp3", "http://host/2.mp3"}));
+    EXPECT_EQ(lastFailCount(), 1u);
+    EXPECT_EQ(items.outcomes().end()[-2].errorNumber, kErrorBadSyncItem);
+  }
+}
+
+TEST_F(PodcastFallOver, LeavesTheResultNumberOfTheEpisodeBeforeOneThatIsNone) {
+  auto notifiers = KeptNotifiers::of(surroundings);
+  OVUmsDeviceNotifier& notifier = *notifiers->make("a", "b", 7, kMediaPodcast, "Pocket One", 0, 9, 9);
+  const Dictionary pathless{{"Url", "http://host/x"}};
+  const Dictionary nameless{{"Url", "http://host/y"}, {key::kFilePath, "/"}};
+  for (const Value& bad : {Value(Null()), Value(pathless), Value(nameless)}) {
+    service->syncUmsPodcastFile(7, 0, kMediaPodcast, channel("News", {missing("1.mp3"), bad}), &notifier);
+    EXPECT_EQ(notifiers->lastResult(), kErrorAttributesUnreadable) << bad.description();
+  }
+}
+
+TEST_F(PodcastFallOver, SaysAtItsLevelThatAVolumeIsTooSmall) {
+  TmpfsVolume smallCard(card, 128 * 1024);
+  expectLine(surroundings, 5, kFallOverMethod, "$/card volume not enought memory. Send Next volume",
+             [&] { EXPECT_FALSE(sync({channel("News", {large("1.mp3")})})); });
 }
 
 TEST_F(PodcastFallOver, StopsWhenTheServiceIsReleased) {

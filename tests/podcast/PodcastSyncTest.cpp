@@ -1,6 +1,7 @@
 #include <cerrno>
 #include <filesystem>
 
+#include "KeptNotifiers.h"
 #include "PodcastTest.h"
 #include "ScriptedTags.h"
 
@@ -151,19 +152,24 @@ TEST_F(PodcastSync, AnUnattendedOneEndsWhenTheDeviceGoesBeforeTheSecondCopy) {
 }
 
 TEST_F(PodcastSync, CountsWhatIsNoEpisodeAndGoesOn) {
+  auto notifiers = KeptNotifiers::of(surroundings);
+  service = surroundings.makeService();
+  service->addDiskInformation(disk(1, internal));
   Dictionary pathless{{"Url", "http://host/x"}};
   Dictionary nameless{{"Url", "http://host/y"}, {key::kFilePath, "/"}};
   const std::tuple<Value, const char*, uint32_t> kRows[] = {
       {Null(), "Episode Data is nil.", kErrorBadSyncItem},
-      {pathless, "Episode Medias File Path is nil.", kItemTransferred},  // only the count tells
+      // Only the count tells: the number stays that of the episode before it.
+      {pathless, "Episode Medias File Path is nil.", kErrorAttributesUnreadable},
       {nameless, "Target Episode Path is nil. Next episode processing.", kErrorBadSyncItem},
   };
   for (const auto& [bad, message, result] : kRows) {
     expectLine(surroundings, 1, kSyncMethod, message, [&, bad = bad] {
       std::filesystem::remove_all(podcasts);
-      EXPECT_TRUE(sync({channel("News", {episode("1.mp3"), bad})}));
+      EXPECT_TRUE(sync({channel("News", {episode("1.mp3"), missing("2.mp3"), bad})}));
     });
-    EXPECT_EQ(listed("News"), Texts{"1.mp3"});
+    EXPECT_EQ(notifiers->lastResult(), result) << message;
+    EXPECT_EQ(listed("News"), (Texts{"1.mp3", "2.mp3"}));
     EXPECT_EQ(lastFailCount(), 1u);
     EXPECT_EQ(items.outcomes().back().errorNumber, kErrorBadSyncItem);
   }

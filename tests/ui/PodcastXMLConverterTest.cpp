@@ -207,5 +207,32 @@ TEST_F(PodcastXMLConverter, RemovesOnlyTheFirstOfTwoAndNothingForAnUnknownUrl) {
   EXPECT_EQ(urls(*converter.makePodcastDictionaryFromXML(document)), (Names{"http://x/2", "http://x/1"}));
 }
 
+TEST_F(PodcastXMLConverter, TakesEpisodesWithAnEmptyUrlForOneAndThoseWithoutAUrlForNone) {
+  XMLDocument document = documentOf(news);
+  auto titles = [&] {
+    Names found;
+    auto podcast = converter.makePodcastDictionaryFromXML(document);
+    for (const Value& episode : podcast->get("children").array()->snapshot())
+      found.push_back(episode.dictionary()->string("Title").value_or("(none)"));
+    return found;
+  };
+  document.root().append("Post").append("Title", "no element");
+  surroundings.level->level = 0;
+  converter.addPodcastEpisode(Dictionary{{"Url", ""}, {"Title", "empty"}}, document);
+  converter.addPodcastEpisode(Dictionary{{"Title", "missing"}}, document);
+  converter.addPodcastEpisode(Dictionary{{"Url", Null()}, {"Title", "null"}}, document);
+  EXPECT_EQ(log.lines(), Names{});
+  const std::string bytes = *document.bytes();
+  converter.addPodcastEpisode(Dictionary{{"Url", ""}, {"Title", "again"}}, document);
+  converter.removePodcastEpisode(Dictionary{{"Title", "missing"}}, document);
+  converter.removePodcastEpisode(Dictionary{{"Url", Null()}}, document);
+  EXPECT_EQ(log.lines(), Names{"same episode: "});
+  EXPECT_EQ(document.bytes(), bytes);
+  converter.removePodcastEpisode(Dictionary{{"Url", ""}}, document);
+  EXPECT_EQ(titles(), (Names{"One", "Two", "no element", "missing", "null"}));
+  converter.removePodcastEpisode(Dictionary{{"Url", ""}}, document);
+  EXPECT_EQ(titles(), (Names{"One", "Two", "no element", "null"}));
+}
+
 }  // namespace
 }  // namespace umsservice::testing

@@ -43,10 +43,8 @@ bool PodcastCopy::copyChannel(PodcastRun& run, const PodcastChannel& channel) {
   }
   run.forEachEpisode(
       channel, [&](const Value& element) { return copyEpisode(run, channel, *place, index, element); },
-      [&] {
-        run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
-        status_ = run.writeIndex(index, *place, kCopyMethod);
-      });
+      [&] { status_ = run.writeIndex(index, *place, kCopyMethod); });
+  run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
   return true;
 }
 

@@ -59,10 +59,8 @@ bool PodcastDelete::deleteChannel(PodcastRun& run, const PodcastChannel& channel
       tools_.indexes.open(run.converter(), place->folder, place->name, withBareNames(channel), true)};
   run.forEachEpisode(
       channel, [&](const Value& element) { return deleteEpisode(run, shrinking, element); },
-      [&] {
-        run.ledger().countRestOf(channel, {Kind::NotReached, kErrorStopped});
-        status_ = shrinking.folderGone || run.writeIndex(shrinking.index, *place, kDeleteMethod);
-      });
+      [&] { status_ = shrinking.folderGone || run.writeIndex(shrinking.index, *place, kDeleteMethod); });
+  run.ledger().countRestOf(channel, {Kind::NotReached, kErrorStopped});
   return true;
 }
 

@@ -62,10 +62,8 @@ bool PodcastDeviceToDevice::sendChannel(PodcastRun& run, const PodcastChannel& c
   }
   run.forEachEpisode(
       channel, [&](const Value& element) { return sendEpisode(run, channel, *place, index, element); },
-      [&] {
-        run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
-        status_ = run.writeIndex(index, *place, kDeviceToDeviceMethod);
-      });
+      [&] { status_ = run.writeIndex(index, *place, kDeviceToDeviceMethod); });
+  run.ledger().countRestOf(channel, {ItemOutcome::Kind::NotReached, kErrorStopped});
   return true;
 }
 

@@ -154,9 +154,15 @@ bool PodcastIndexFiles::isNameOfIndex(const std::string& fileName, const std::st
   // Players' file systems know neither letter cases nor blanks and dots at the end.
   std::string_view name = fileName;
   name = name.substr(0, name.find_last_not_of(" .") + 1);
-  const size_t kept = findIgnoringAsciiCase(name, ".xml.damaged");
-  if (kept != std::string_view::npos) name = name.substr(0, kept + 4);
-  return equalIgnoringCase(name, index);
+  if (equalIgnoringCase(name, index)) return true;
+  // Each of these may be the one: a channel's own name may have the words in it.
+  for (size_t start = 0; start < name.size(); ++start) {
+    const size_t kept = findIgnoringAsciiCase(name.substr(start), ".xml.damaged");
+    if (kept == std::string_view::npos) return false;
+    start += kept;
+    if (equalIgnoringCase(name.substr(0, start + 4), index)) return true;
+  }
+  return false;
 }
 
 bool PodcastIndexFiles::write(const ChannelIndex& index, const std::string& channelFolder,
