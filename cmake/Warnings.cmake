@@ -2,7 +2,10 @@
 add_compile_options(-Wall -Wextra -Wpedantic -Wconversion -Wsign-conversion -Wno-missing-field-initializers -Werror
                     "$<$<COMPILE_LANGUAGE:CXX,OBJCXX>:-Wnon-virtual-dtor;-Wold-style-cast;-Woverloaded-virtual>")
 if(CMAKE_CXX_COMPILER_ID MATCHES "Clang")
-  add_compile_options(-Wshadow -Wthread-safety)
+  add_compile_options(-Wthread-safety)
+  if(NOT UMS_UNITY)
+    add_compile_options(-Wshadow)  # compiled as one, sources seem to shadow what another one keeps to itself
+  endif()
 else()
   # This compiler takes the enumerators of a scoped enumeration for shadows of types of the same name, and
   # misfires on std::optional, std::variant and std::string in its optimiser.

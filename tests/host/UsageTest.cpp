@@ -63,7 +63,7 @@ TEST_F(Usage, SaysWhatIsWrongAndWhereToLook) {
 }
 
 TEST_F(Usage, PointsToTheHelpOfTheVeryCommand) {
-  auto errorOf = [this](const std::vector<std::string>& line) {
+  auto errorOf = [](const std::vector<std::string>& line) {
     Ended ended = umsctl(line);
     EXPECT_EQ(ended.status, 2);
     return ended.error;
