@@ -1,7 +1,11 @@
 #include "Causes.h"
 
+#include <fcntl.h>
+#include <unistd.h>
+
 #include <cerrno>
 #include <cstdio>
+#include <cstring>
 
 #include "Amounts.h"
 #include "VolumeBounds.h"
@@ -11,6 +15,8 @@ namespace umsctl {
 namespace {
 
 using namespace umsservice;
+
+constexpr auto kReadOnly = "the volume is read-only";
 
 std::string withReason(const std::string& words, const std::string& reason) {
   return reason.empty() ? words : words + ": " + reason;
@@ -69,10 +75,15 @@ std::string causeOfSilentFailure(Device& device, const ItemOutcome& outcome, con
   auto existing = files.linkAttributes(*outcome.destPath);
   if (!existing && existing.error().systemNumber != ENOENT)
     return withReason("it cannot be made", existing.error().words());
+  for (const std::string& written : {folder, existing ? *outcome.destPath : folder}) {
+    if (::faccessat(AT_FDCWD, written.c_str(), W_OK, AT_EACCESS) != 0)
+      return errno == EROFS ? kReadOnly : withReason("it cannot be written", std::strerror(errno));
+  }
   auto size = files.attributes(*outcome.path);
   auto space = files.space(folder);
   if (size && space && space->free < size->size) return causeOfFullVolume(device, outcome);
-  return "copying failed";
+  return outcome.errorNumber == kErrorAttributesUnreadable ? causeByNumber(outcome, folderText)
+                                                           : "copying failed";
 }
 
 }  // namespace
@@ -85,6 +96,7 @@ std::string causeOf(Device& device, const ItemOutcome& outcome, const std::strin
       return causeOfConflict(device, outcome);
     case kErrorCopyFailed:
     case kErrorCreateFolderFailed:
+    case kErrorAttributesUnreadable:  // a file that could not be replaced, too
       return isSilent ? causeOfSilentFailure(device, outcome, folder) : causeByNumber(outcome, folder);
     case kErrorWriteVolumeFull:
     case kErrorVolumeFull:
@@ -99,6 +111,7 @@ std::string adviceFor(const ItemOutcome& outcome, const std::string& cause) {
   if (cause == "it is no ordinary file") return "only ordinary files can be copied";
   if (cause == VolumeBounds::kElsewhere) return "name a file below the folder of a volume";
   if (cause.ends_with("umsctl rmdir removes folders")) return "use umsctl rmdir";
+  if (cause == kReadOnly) return "take its write protection off, or choose another volume";
   if (cause == "it is not a folder") return "use umsctl rm";
   if (cause == "it must be given by its name") return "name the folder itself";
   if (cause.starts_with("it is not empty; ")) return "empty it, or use --recursive";

@@ -97,15 +97,15 @@ int Interrupt::descriptor() const {
 
 std::function<void()> Interrupt::setAction(std::function<void()> action) {
   std::lock_guard lock(mutex_);
-  auto before = std::exchange(action_, std::move(action));
+  auto former = std::exchange(action_, std::move(action));
   if (happened()) runAction();
-  return before;
+  return former;
 }
 
-void Interrupt::restoreAction(std::function<void()> before) {
+void Interrupt::restoreAction(std::function<void()> former) {
   std::lock_guard lock(mutex_);
   const bool isAnswered = happened() && !action_;
-  action_ = isAnswered ? nullptr : std::move(before);
+  action_ = isAnswered ? nullptr : std::move(former);
   if (happened()) runAction();
 }
 

@@ -29,7 +29,7 @@ class Interrupt {
   /// for one that is under way, and gives the action that was there before.
   std::function<void()> setAction(std::function<void()> action);
   /// The action that was there before counts again, unless an interrupt has been answered meanwhile.
-  void restoreAction(std::function<void()> before);
+  void restoreAction(std::function<void()> former);
   /// Returns once the action of an interrupt that has happened is done.
   void settle();
 

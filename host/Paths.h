@@ -5,8 +5,9 @@
 
 namespace umsctl {
 
-/// The full path: a relative one counts from the working folder. Nothing else changes, so that links and
-/// ".." mean what they mean to the system. An empty path stays empty.
+/// The full path: a relative one counts from the working folder. Without "." and ".." where they lead through
+/// folders that are there, so that links mean what they mean to the system; a slash at the end stays. An
+/// empty path stays empty.
 std::string absolutePath(const std::string& path);
 
 /// The path without slashes at its end; "/" stays.

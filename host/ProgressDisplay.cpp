@@ -131,9 +131,10 @@ void ProgressDisplay::beginVerifying(const std::vector<umsservice::ItemOutcome>&
   draw(true);
 }
 
-void ProgressDisplay::itemVerified(const umsservice::ItemOutcome& outcome, bool isSame) {
+void ProgressDisplay::itemVerified(const umsservice::ItemOutcome& outcome, bool isSame, bool isBehind) {
   std::lock_guard lock(mutex_);
   if (outcome.kind == Kind::Done) tell(outcome, "", isSame);
+  if (!isBehind) return;
   umsservice::ItemOutcome counted = outcome;
   counted.index = tally_.counted();
   tally_.itemCounted(counted);

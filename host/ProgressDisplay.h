@@ -41,7 +41,8 @@ class ProgressDisplay {
   void itemCounted(const umsservice::ItemOutcome& outcome);
   /// The bar begins anew for reading back these items; then each of them is told of.
   void beginVerifying(const std::vector<umsservice::ItemOutcome>& done);
-  void itemVerified(const umsservice::ItemOutcome& outcome, bool isSame);
+  /// `isBehind` is false for one that will not be compared any more.
+  void itemVerified(const umsservice::ItemOutcome& outcome, bool isSame, bool isBehind);
   /// Tells of an item that ended before or beside the transfer; a failure has its cause.
   void tell(const umsservice::ItemOutcome& outcome, const std::string& cause = {},
             std::optional<bool> isVerified = {});

@@ -185,12 +185,10 @@ std::map<size_t, std::string> Transfer::verify() {
 }
 
 bool Transfer::flushAll(const std::vector<WrittenPlace>& written) {
+  if (outcomes_->count(ItemOutcome::Kind::Done) == 0) return true;  // there is nothing that could be lost
   display_.announce(kFlushing);
   bool isKept = true;
-  for (const WrittenPlace& place : written) {
-    bool neverMade = outcomes_->count(ItemOutcome::Kind::Done) == 0 && !device_.files().exists(place.path);
-    isKept = (neverMade || flush(place.path)) && isKept;
-  }
+  for (const WrittenPlace& place : written) isKept = flush(place.path) && isKept;
   return isKept;
 }
 

@@ -110,7 +110,9 @@ std::map<size_t, std::string> Verification::run(const Companion& companion) {
       outcome.reason = comparison.cause;
       outcomes_.amend(outcome);
     }
-    display_.itemVerified(outcome, comparison.end == End::Same);
+    // What a cancel kept from being compared does not fill the bar.
+    const bool isBehind = isReplaced || comparison.end != End::Stopped;
+    display_.itemVerified(outcome, comparison.end == End::Same, isBehind);
   }
   return causes;
 }

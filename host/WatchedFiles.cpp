@@ -86,7 +86,11 @@ FileStatus WatchedFiles::move(const std::string& from, const std::string& to) {
   auto moved = real_->move(from, to);
   if (!moved) return moved;
   const bool isBack = !setAside_.empty() && setAside_.back() == from;
-  isBack ? setAside_.pop_back() : setAside_.push_back(to);
+  if (isBack) {
+    setAside_.pop_back();
+  } else {
+    setAside_.push_back(to);
+  }
   return moved;
 }
 

@@ -28,9 +28,10 @@ struct Objection {
   uint32_t number = umsservice::kErrorNone;
 };
 
-Objection objectionTo(FileSystem& files, const std::string& path, bool recursive) {
-  std::string name = lastComponent(path);
-  if (!path.empty() && (name.empty() || name == "." || name == ".."))
+/// `typed` is the path as the person wrote it: nobody who types a dot knows what would go.
+Objection objectionTo(FileSystem& files, const std::string& path, const std::string& typed, bool recursive) {
+  std::string name = lastComponent(typed);
+  if (!typed.empty() && (name.empty() || name == "." || name == ".."))
     return {"it must be given by its name", umsservice::kErrorInvalidInput};
   auto found = files.linkAttributes(path);
   if (!found) return {found.error().words(), umsservice::kErrorAttributesUnreadable};
@@ -180,7 +181,7 @@ ExitStatus makeFolder(const std::string& folder, const Errand& errand) {
 ExitStatus removeFolder(const RemoveFolderOptions& options, const Errand& errand) {
   Device device({}, errand);
   const std::string path = withoutTrailingSlashes(absolutePath(options.folder));
-  Objection objection = objectionTo(device.files(), path, options.recursive);
+  Objection objection = objectionTo(device.files(), path, options.folder, options.recursive);
   std::optional<FolderContents> contents;
   if (objection.cause.empty()) contents.emplace(errand, device.files(), path);
   if (contents && contents->unreadable()) {

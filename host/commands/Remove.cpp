@@ -1,7 +1,10 @@
 #include "commands/Remove.h"
 
+#include <set>
+
 #include "Amounts.h"
 #include "Consent.h"
+#include "Paths.h"
 #include "Subtitles.h"
 #include "Transfer.h"
 #include "VolumeBounds.h"
@@ -53,9 +56,19 @@ bool isAgreed(const RemoveOptions& options, const Errand& errand, const Objectio
   return agreesTo(errand, "Delete " + plan + " from the device?");
 }
 
+/// A file that is named twice goes once.
+RemoveOptions withoutRepetitions(const RemoveOptions& options) {
+  RemoveOptions once = options;
+  std::set<std::string> known;
+  std::erase_if(once.files,
+                [&](const std::string& file) { return !known.insert(absolutePath(file)).second; });
+  return once;
+}
+
 }  // namespace
 
-ExitStatus removeFiles(const RemoveOptions& options, const Errand& errand) {
+ExitStatus removeFiles(const RemoveOptions& given, const Errand& errand) {
+  const RemoveOptions options = withoutRepetitions(given);
   const VolumeBounds bounds(options.volumes);
   auto objection = [&bounds](FileSystem& files, const std::string& path) {
     return whyNotDeleted(bounds, files, path);

@@ -1,6 +1,7 @@
 #include "line/CommandLine.h"
 
 #include <CLI/CLI.hpp>
+#include <set>
 #include <sstream>
 
 #include "EscapedName.h"
@@ -10,6 +11,42 @@
 
 namespace umsctl {
 namespace {
+
+using Words = std::vector<std::string>;
+
+/// Takes the options that every command has from the front of a line.
+Words takeShared(Words& line) {
+  static const std::set<std::string> kShared{"--json", "-q",  "--quiet",    "-v",       "--verbose",
+                                             "-qv",    "-vq", "--no-color", "--profile"};
+  Words taken;
+  size_t next = 0;
+  while (next < line.size() && (kShared.count(line[next]) > 0 || line[next].starts_with("--profile="))) {
+    const bool hasValue = line[next] == "--profile" && next + 1 < line.size();
+    taken.insert(taken.end(), line.begin() + static_cast<std::ptrdiff_t>(next),
+                 line.begin() + static_cast<std::ptrdiff_t>(next + (hasValue ? 2 : 1)));
+    next += hasValue ? 2 : 1;
+  }
+  line.erase(line.begin(), line.begin() + static_cast<std::ptrdiff_t>(next));
+  return taken;
+}
+
+/// The options that every command has may stand before it too; the parser knows them behind it.
+Words behindCommand(Words line) {
+  Words shared = takeShared(line), command;
+  for (bool isGroup = true; isGroup && !line.empty() && !line.front().starts_with('-');) {
+    command.push_back(line.front());
+    line.erase(line.begin());
+    isGroup = command.size() == 1 && command.front() == "podcast";
+    if (!isGroup) break;
+    const Words more = takeShared(line);
+    shared.insert(shared.end(), more.begin(), more.end());
+  }
+  // Without a command, as with --help, they mean nothing.
+  const bool isWhole = !command.empty() && (command.front() != "podcast" || command.size() == 2);
+  if (isWhole) command.insert(command.end(), shared.begin(), shared.end());
+  command.insert(command.end(), line.begin(), line.end());
+  return command;
+}
 
 /// Some spellings mean something to the parser and may be file names as well: brackets, "++", and whatever
 /// follows "--". A "./" in front changes neither the file nor anything else. In the parser's order: from the
@@ -42,7 +79,11 @@ const CLI::App& reached(const CLI::App& app, std::string& words) {
 }
 
 /// A word where a command should stand is told as that, and not as an argument too many.
-std::string causeOf(const CLI::App& command, const std::string& words, const CLI::ParseError& error) {
+std::string causeOf(const CLI::App& app, const CLI::App& command, const std::string& words,
+                    const CLI::ParseError& error) {
+  const auto before = app.remaining();
+  if (&command != &app && !before.empty() && before.front().starts_with('-'))
+    return before.front() + " belongs behind the command";
   const bool isGroup = !command.get_subcommands([](const CLI::App*) { return true; }).empty();
   const auto unknown = command.remaining();
   if (!isGroup) return error.what();
@@ -61,7 +102,7 @@ ExitStatus explained(const CLI::App& app, const CLI::ParseError& error) {
   }
   std::string words;
   const CLI::App& command = reached(app, words);
-  complain("", escaped(causeOf(command, words, error)) + "\nTry 'umsctl" + words + " --help'.");
+  complain("", escaped(causeOf(app, command, words, error)) + "\nTry 'umsctl" + words + " --help'.");
   return ExitStatus::Usage;
 }
 
@@ -84,7 +125,7 @@ ExitStatus runCommandLine(const std::vector<std::string>& arguments) {
   Command chosen;
   defineCommands(app, chosen);
   try {
-    app.parse(forParser(arguments));
+    app.parse(forParser(behindCommand(arguments)));
   } catch (const CLI::ParseError& error) {
     return explained(app, error);
   }

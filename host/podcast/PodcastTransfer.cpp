@@ -6,6 +6,7 @@
 #include "RunningRequest.h"
 #include "Verification.h"
 #include "podcast/EpisodeReport.h"
+#include "umsservice/ErrorNumbers.h"
 
 namespace umsctl {
 
@@ -45,7 +46,39 @@ ExitStatus PodcastTransfer::run(const Queue& queue, const std::vector<WrittenPla
   return isKept || status != ExitStatus::AllDone ? status : ExitStatus::SomeFailed;
 }
 
+/// A channel of which no episode can be taken would leave an empty folder with an index behind: it is not
+/// asked for, and its episodes are counted here. Gives the others and the places of their episodes.
+umsservice::Array PodcastTransfer::settleHopelessChannels(std::vector<size_t>& positions) {
+  umsservice::Array others;
+  size_t next = 0;
+  for (const umsservice::Value& channel : items_.channels.snapshot()) {
+    const auto children = channel.dictionary()->get("children").array();
+    const size_t first = next;
+    next += children ? children->count() : 0;
+    bool isHopeless = true;
+    for (size_t i = first; i < next; ++i) isHopeless = isHopeless && !items_.objections.at(i).empty();
+    if (!isHopeless) others.append(*channel.dictionary());
+    for (size_t i = first; i < next; ++i) {
+      if (!isHopeless) {
+        positions.push_back(i);
+        continue;
+      }
+      ItemOutcome outcome;
+      outcome.index = i;
+      outcome.kind = ItemOutcome::Kind::Failed;
+      outcome.errorNumber = umsservice::kErrorBadCopyItem;
+      outcomes_->itemCounted(outcome);
+    }
+  }
+  return others;
+}
+
 void PodcastTransfer::perform(const Queue& queue) {
+  std::vector<size_t> positions;
+  const umsservice::Array channels = settleHopelessChannels(positions);
+  if (channels.count() == 0) return;
+  display_.beginRequest(positions);
+  outcomes_->beginRequest(positions, nullptr);
   RunningRequest request(device_, display_);
   const uint32_t serviceID = request.serviceID();
   {
@@ -56,8 +89,7 @@ void PodcastTransfer::perform(const Queue& queue) {
     device_.service().cancelFileAction(serviceID);
     answerInterrupt("cancelling");
   });
-  if (!queue(serviceID, items_.channels))
-    throw Refusal(ExitStatus::SomeFailed, "", "the device takes no podcasts");
+  if (!queue(serviceID, channels)) throw Refusal(ExitStatus::SomeFailed, "", "the device takes no podcasts");
   request.waitForEnd();
   // The index of the last channel is written after its last episode was counted.
   std::lock_guard untilTheRunIsOver(device_.service().synchronizedSection());

@@ -34,6 +34,7 @@ class PodcastTransfer {
 
  private:
   void itemCounted(const umsservice::ItemOutcome& outcome);
+  umsservice::Array settleHopelessChannels(std::vector<size_t>& positions);
   void perform(const Queue& queue);
   bool flush(const std::string& folder);
   std::map<size_t, std::string> verify();

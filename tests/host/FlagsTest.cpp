@@ -1,5 +1,8 @@
 #include <sys/stat.h>
 
+#include <map>
+#include <set>
+
 #include "HostTest.h"
 
 namespace umsservice::testing {
@@ -30,11 +33,47 @@ TEST_F(Flags, AreTheSameForEveryCommand) {
     Lines line = command;
     line.emplace_back("--help");
     const std::string help = umsctl(line).output;
-    for (const std::string flag : {"--json", "-q,--quiet", "-v,--verbose", "--no-color"})
-      EXPECT_NE(help.find(flag), std::string::npos) << ::testing::PrintToString(command) << flag;
-    bool isLooking = command.back() == "ls" || command.back() == "df" || command.back() == "tree";
-    EXPECT_EQ(help.find("-n,--dry-run") == std::string::npos, isLooking) << ::testing::PrintToString(command);
+    const std::string& name = command.back();
+    auto isOneOf = [&name](const std::set<std::string>& names) { return names.count(name) > 0; };
+    const bool isLooking = isOneOf({"ls", "df", "tree"}),
+               isCopying = isOneOf({"push", "sync", "pull", "send", "put", "get"});
+    const std::map<std::string, bool> expected{{"--json", true},
+                                               {"-q,--quiet", true},
+                                               {"-v,--verbose", true},
+                                               {"--no-color", true},
+                                               {"-n,--dry-run", !isLooking},
+                                               {"--on-conflict ask|skip|overwrite", isCopying},
+                                               {"--verify", isCopying},
+                                               {"-y,--yes", isOneOf({"rm", "rmdir"})},
+                                               {"--profile FILE", !isOneOf({"mkdir", "rmdir"})}};
+    for (const auto& [flag, isThere] : expected)
+      EXPECT_EQ(help.find("\n  " + flag) != std::string::npos, isThere)
+          << ::testing::PrintToString(command) << flag;
   }
+}
+
+TEST_F(Flags, OfEveryCommandMayStandBeforeItToo) {
+  sandbox.file("phone/Music/song.mp3", "la");
+  const std::vector<std::pair<Lines, Lines>> lines{
+      {{"--json", "ls", "--internal", phone}, {"ls", "--json", "--internal", phone}},
+      {{"-q", "--json", "--no-color", "podcast", "ls", "--internal", phone},
+       {"podcast", "ls", "-q", "--json", "--internal", phone}},
+      {{"podcast", "--json", "ls", "--internal", phone}, {"podcast", "ls", "--json", "--internal", phone}},
+      {{"--profile", sandbox.at("none"), "df", "--internal", phone},
+       {"df", "--profile", sandbox.at("none"), "--internal", phone}},
+      {{"--profile=" + sandbox.at("none"), "-v", "-qv", "df", "--internal", phone},
+       {"df", "--profile=" + sandbox.at("none"), "-v", "-q", "--internal", phone}},
+      {{"--json", "--help"}, {"--help"}},
+      {{"--json"}, {}},
+  };
+  for (const auto& [before, behind] : lines) {
+    Ended one = umsctl(before), other = umsctl(behind);
+    EXPECT_EQ(one.status, other.status);
+    EXPECT_EQ(one.output, other.output);
+    EXPECT_EQ(one.error, other.error);
+  }
+  EXPECT_EQ(umsctl({"-n", "rm", "--internal", phone, "x"}).error,
+            "umsctl: -n belongs behind the command\nTry 'umsctl rm --help'.\n");
 }
 
 TEST_F(Flags, QuietLeavesOnlyWhatWentWrong) {

@@ -2,6 +2,7 @@
 
 #include "EscapedName.h"
 #include "HostTest.h"
+#include "JsonLines.h"
 
 namespace umsservice::testing {
 namespace {
@@ -120,6 +121,18 @@ TEST_F(Screen, TellsHowFarItIsWhileItReadsTags) {
   EXPECT_NE(ended.output.find("\r\x1b[KReading tags  "), std::string::npos);
   EXPECT_NE(ended.output.find("\r\x1b[K  video     12.3 kB  0.mp4  (0:03, 128x96, AVC, AAC)\r\n"),
             std::string::npos);
+}
+
+TEST_F(Screen, ListsAFileThatCannotBeReadAsSuchForProgramsToo) {
+  copyOf("pier.jpg", "phone/a.jpg");
+  sandbox.file("phone/b.jpg", "no picture");
+  for (const char* form : {"--tags", "--long"}) {
+    auto files = objectsOf(umsctl({"ls", "--json", form, "--internal", phone}), "file");
+    ASSERT_EQ(files.size(), 2u);
+    EXPECT_FALSE(files[0].contains("unreadable"));
+    EXPECT_EQ(files[1]["unreadable"], true);
+  }
+  EXPECT_FALSE(objectsOf(umsctl({"ls", "--json", "--internal", phone}), "file").at(1).contains("unreadable"));
 }
 
 TEST_F(Screen, EndsWithATableOfWhatFailedAndWhatToDo) {

@@ -136,6 +136,23 @@ TEST_F(PodcastCommands, PushKnowsEpisodesWithoutAnAddressByTheirFiles) {
   EXPECT_FALSE(exists(phone + "/Podcast/News"));
 }
 
+TEST_F(PodcastCommands, PushLeavesNothingOfAChannelWithoutAnEpisodeThatCanBeTaken) {
+  const std::string gone = R"({"Title": "Gone", "children": [{"Url": "u", "FilePath": "no/such.mp3"}]})";
+  const std::string song = media("plain-hum.mp3");
+  Ended ended = pushJson(gone);
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_NE(ended.causes().find("no/such.mp3: No such file or directory\n"), std::string::npos)
+      << ended.error;
+  EXPECT_EQ(lastLine(ended), "0 copied (0 B), 1 failed");
+  EXPECT_TRUE(treeOf(phone).empty());
+  ended = pushJson("[" + gone + R"(, {"Title": "News", "children": [{"Url": "v", "FilePath": ")" + song +
+                   "\"}]}]");
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(linesOf(ended.output),
+            (Lines{"copied   " + phone + "/Podcast/News/plain-hum.mp3", "1 copied (8.3 kB), 1 failed"}));
+  EXPECT_EQ(treeOf(phone + "/Podcast"), (Lines{"News/", "News/News.xml", "News/plain-hum.mp3"}));
+}
+
 TEST_F(PodcastCommands, PushRefusesWhatIsNoPodcastBeforeAnythingIsWritten) {
   const std::string name = sandbox.at("channel.json");
   const std::pair<const char*, const char*> kRows[] = {

@@ -32,6 +32,7 @@ void becomeOrdinary(const Setting& setting) {
     prctl(PR_CAPBSET_DROP, CAP_DAC_OVERRIDE);
     prctl(PR_CAPBSET_DROP, CAP_DAC_READ_SEARCH);
   }
+  for (int number : setting.ignoredSignals) signal(number, SIG_IGN);
   if (!setting.folder.empty() && chdir(setting.folder.c_str()) != 0) _exit(127);
 }
 

@@ -18,6 +18,7 @@ struct Setting {
   bool withoutRootPowers = false;
   bool smallOutputPipe = false;  ///< holds one page, so that a reader who stops is soon felt
   std::map<std::string, std::string> environment{};  ///< besides the test's own; over TERM and LC_ALL
+  std::vector<int> ignoredSignals{};                 ///< as a parent may leave them behind
   std::string folder;                                ///< working folder; empty for the test's own
   std::string program = TEST_UMSCTL;
   std::string input;       ///< typed ahead on standard input, which then ends; pipes only
@@ -53,6 +54,7 @@ class RunningProgram {
   /// Makes the terminal's window so many columns wide; the program is told as by any terminal.
   void resize(unsigned short columns);
   void sendSignal(int number);
+  pid_t process() const { return process_; }
   /// From here on the program runs as on a much slower machine, until its end is waited for.
   void slowDown();
   /// Takes the reader of standard output away.

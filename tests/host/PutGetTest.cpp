@@ -1,3 +1,4 @@
+#include <sys/mount.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -103,6 +104,22 @@ TEST_F(Put, SaysWhyItsFolderCannotBeMade) {
   EXPECT_EQ(bytesOf(file), "a file");
 }
 
+TEST_F(Put, SaysThatAVolumeIsReadOnly) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume volume(phone, 1 << 20);
+  std::string there = sandbox.file("phone/there.dat", "old");
+  ASSERT_EQ(mount("tmpfs", phone.c_str(), "tmpfs", MS_REMOUNT | MS_RDONLY, nullptr), 0);
+  for (const std::string& place : {there, phone + "/new.dat"}) {
+    for (const char* option : {"--no-color", "-n"}) {
+      Ended ended = umsctl(putting({option, "--on-conflict", "overwrite", mine, place}));
+      EXPECT_EQ(ended.status, 1);
+      EXPECT_EQ(ended.causes(), "umsctl: " + mine + ": the volume is read-only\n");
+      EXPECT_NE(ended.error.find("take its write protection off"), std::string::npos) << ended.error;
+    }
+  }
+  EXPECT_EQ(bytesOf(there), "old");
+}
+
 TEST_F(Put, WritesNothingThatDoesNotFit) {
   REQUIRE_TMPFS_VOLUMES();
   TmpfsVolume volume(phone, 1 << 20);
@@ -179,6 +196,30 @@ TEST_F(Get, LeavesNoHalfFileBehindWhenCopyingBreaksOff) {
   EXPECT_EQ(ended.status, 1);
   EXPECT_EQ(ended.causes(), "umsctl: " + large + ": copying failed\n");
   EXPECT_FALSE(exists(sandbox.at("got.dat")));
+}
+
+TEST_F(Get, SaysOnlyWhyNothingCanBeWrittenToAFolder) {
+  std::string there = sandbox.file("phone/there.dat", "theirs"), closed = sandbox.folder("closed");
+  chmod(closed.c_str(), 0);
+  Ended ended = umsctl(getting({there, closed + "/got.dat"}), {.withoutRootPowers = true});
+  chmod(closed.c_str(), 0700);
+  EXPECT_EQ(ended.status, 1);
+  EXPECT_EQ(linesOf(ended.causes()).size(), 1u) << ended.error;
+  EXPECT_TRUE(ended.causes().starts_with("umsctl: " + there + ": ")) << ended.error;
+  EXPECT_NE(ended.causes().find("Permission denied"), std::string::npos) << ended.error;
+}
+
+TEST_F(Get, TellsItsPlaceWithoutDots) {
+  std::string there = sandbox.file("phone/there.dat", "theirs");
+  sandbox.folder("phone/Other");
+  ASSERT_EQ(symlink("phone/Other", sandbox.at("link").c_str()), 0);
+  Ended ended = umsctl({"get", "--internal", "./phone/.", "link/../there.dat", "phone/../got.dat"},
+                       {.folder = sandbox.path()});
+  EXPECT_EQ(ended.status, 0) << ended.error;
+  EXPECT_EQ(linesOf(ended.output)[0], "copied   " + sandbox.at("got.dat"));
+  EXPECT_NE(
+      umsctl({"df", "--internal", "./phone/."}, {.folder = sandbox.path()}).output.find("  " + phone + "\n"),
+      std::string::npos);
 }
 
 TEST_F(Get, ShowsABarAtATerminal) {

@@ -1,3 +1,13 @@
+#include <signal.h>
+#include <unistd.h>
+
+#include <chrono>
+#include <filesystem>
+#include <fstream>
+#include <future>
+#include <sstream>
+#include <thread>
+
 #include "FileTags.h"
 #include "HostTest.h"
 #include "TagProcess.h"
@@ -27,6 +37,44 @@ std::string deadlyFilm() {
   return bytes;
 }
 
+/// The processes that a process has started, and that are still there.
+std::vector<pid_t> childrenOf(pid_t parent) {
+  std::vector<pid_t> children;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc")) {
+    const std::string name = entry.path().filename();
+    if (name.find_first_not_of("0123456789") != std::string::npos) continue;
+    std::ifstream file(entry.path() / "stat");
+    std::string stat((std::istreambuf_iterator<char>(file)), {});
+    if (stat.rfind(") ") == std::string::npos) continue;
+    std::istringstream fields(stat.substr(stat.rfind(") ") + 2));
+    char state = 0;
+    pid_t above = 0;
+    if (fields >> state >> above && above == parent && state != 'Z') children.push_back(std::stoi(stat));
+  }
+  return children;
+}
+
+/// Where the descriptors of a process lead.
+std::vector<std::string> descriptorsOf(pid_t process) {
+  std::vector<std::string> places;
+  for (const auto& entry : std::filesystem::directory_iterator("/proc/" + std::to_string(process) + "/fd"))
+    places.push_back(std::filesystem::read_symlink(entry.path()));
+  return places;
+}
+
+/// A song whose cover is more than a line between two processes holds at once.
+std::string songWithLargeCover() {
+  const std::string picture(3'000'000, 'x');
+  auto number = [](size_t value, int bits) {
+    std::string bytes;
+    for (int i = 3; i >= 0; --i) bytes += static_cast<char>((value >> (i * bits)) & ((1u << bits) - 1));
+    return bytes;
+  };
+  const std::string body = std::string("\0image/png\0\3\0", 13) + picture;
+  const std::string frame = "APIC" + number(body.size(), 8) + std::string(2, '\0') + body;
+  return "ID3" + std::string("\3\0\0", 3) + number(frame.size(), 7) + frame;
+}
+
 TEST_F(ReadingTags, InAnotherProcessGivesWhatItGivesHere) {
   umsctl::TagProcess::start();
   for (const char* name : {"morning-tone.mp3", "evening-tone.flac", "paper-boat.m4a", "pier.jpg",
@@ -47,6 +95,65 @@ TEST_F(ReadingTags, GoesOnAfterAFileThatBringsAReaderDown) {
     ASSERT_TRUE(tags);
     EXPECT_EQ(tags->string("Camera"), "Tinbox Pocket 3");
   }
+}
+
+TEST_F(ReadingTags, GoesOnAfterAReaderThatDiesInTheMiddleOfAnAnswer) {
+  umsctl::TagProcess::start();
+  const std::string song = sandbox.file("a.mp3", songWithLargeCover() + bytesOf(media("morning-tone.mp3")));
+  const auto whole = umsctl::TagProcess::read(song);
+  ASSERT_TRUE(whole && whole->get("AlbumArt").data());
+  const auto servers = childrenOf(::getpid());
+  ASSERT_EQ(servers.size(), 1u);
+  const auto readers = childrenOf(servers.front());
+  ASSERT_EQ(readers.size(), 1u);
+  auto wait = [] { std::this_thread::sleep_for(std::chrono::milliseconds(300)); };
+  ::kill(readers.front(), SIGSTOP);
+  auto answer = std::async(std::launch::async, [&] { return umsctl::TagProcess::read(song); });
+  wait();  // for the question to be handed on
+  ::kill(servers.front(), SIGSTOP);
+  ::kill(readers.front(), SIGCONT);
+  wait();  // for the beginning of an answer that nobody takes
+  ::kill(readers.front(), SIGKILL);
+  ::kill(servers.front(), SIGCONT);
+  EXPECT_FALSE(answer.get());
+  auto tags = umsctl::TagProcess::read(media("pier.jpg"));
+  ASSERT_TRUE(tags);
+  EXPECT_EQ(tags->string("Camera"), "Tinbox Pocket 3");
+  EXPECT_TRUE(umsctl::TagProcess::read(song)->get("AlbumArt").data());
+}
+
+TEST_F(ReadingTags, DoesNotDependOnSignalsThatAParentIgnored) {
+  sandbox.file("phone/a.flv", deadlyFilm());
+  sandbox.file("phone/b.mp4", bytesOf(media("harbour.mp4")));
+  const std::vector<std::string> line{"ls", "--tags", "--internal", phone};
+  Ended usual = umsctl(line), ignoring = umsctl(line, {.ignoredSignals = {SIGCHLD, SIGALRM, SIGPIPE}});
+  EXPECT_EQ(ignoring.status, 0);
+  EXPECT_EQ(ignoring.output, usual.output);
+  EXPECT_NE(usual.output.find("\t0:03\t128x96\t\t\tAVC, AAC\n"), std::string::npos);
+}
+
+TEST_F(ReadingTags, HoldsNoDescriptorsOfTheProgram) {
+  for (int i = 0; i < 100; ++i)
+    sandbox.file("phone/" + std::string(80, 'n') + std::to_string(i) + ".jpg", bytesOf(media("pier.jpg")));
+  int ends[2];
+  ASSERT_EQ(::pipe(ends), 0);  // handed on to the program, as a shell does
+  RunningProgram program({"ls", "--tags", "--internal", phone}, {.smallOutputPipe = true});
+  program.waitForOutput("\n");
+  const auto ownPlaces = descriptorsOf(program.process());
+  const std::string inherited =
+      std::filesystem::read_symlink("/proc/self/fd/" + std::to_string(ends[1])).string();
+  EXPECT_NE(std::find(ownPlaces.begin(), ownPlaces.end(), inherited), ownPlaces.end());
+  const auto servers = childrenOf(program.process());
+  ASSERT_EQ(servers.size(), 1u);
+  const auto readers = childrenOf(servers.front());
+  ASSERT_EQ(readers.size(), 1u);
+  for (pid_t process : {servers.front(), readers.front()}) {
+    for (const std::string& place : descriptorsOf(process))
+      EXPECT_TRUE(place == "/dev/null" || place.starts_with("socket:")) << place;
+    EXPECT_EQ(std::filesystem::read_symlink("/proc/" + std::to_string(process) + "/cwd"), "/");
+  }
+  EXPECT_EQ(program.wait().status, 0);
+  for (int end : ends) ::close(end);
 }
 
 TEST_F(ReadingTags, NeverTakesARunDown) {

@@ -1,4 +1,5 @@
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "HostTest.h"
 #include "PassingFileSystem.h"
@@ -152,6 +153,20 @@ TEST_F(Verify, DoesNotCompareACopyThatALaterFileReplaced) {
   EXPECT_EQ(ended.status, 0) << ended.error;
   EXPECT_EQ(linesOf(ended.output)[0], "copied   " + phone + "/Music/song.mp3");
   EXPECT_EQ(linesOf(ended.output)[1], "copied   " + phone + "/Music/song.mp3  (verified)");
+}
+
+TEST_F(Verify, FillsNoBarWithWhatACancelKeptFromBeingCompared) {
+  const std::string film = sandbox.file("computer/film.mp4", "");
+  ASSERT_EQ(truncate(film.c_str(), 200'000'000), 0);
+  RunningProgram program(pushing({"--verify", film}), {.atTerminal = true});
+  program.waitForOutput("comparing film.mp4");
+  program.type("\x03");
+  Ended ended = program.wait();
+  EXPECT_EQ(ended.status, 130);
+  const size_t end = ended.output.find("umsctl: cancelling");
+  ASSERT_NE(end, std::string::npos);
+  EXPECT_EQ(ended.output.find("100%", end), std::string::npos) << ended.output.substr(end);
+  EXPECT_NE(ended.output.find("cancelled: 1 copied (200.0 MB)\r\n"), std::string::npos);
 }
 
 TEST_F(Verify, ComparesSubtitlesThatCameAlong) {
