@@ -15,6 +15,11 @@ class EpisodeIdentity : public PodcastTest {
   Dictionary onDevice(const std::string& name, const Value& url) const {
     return Dictionary{{"Url", url}, {key::kFilePath, podcasts + "/News/" + name}};
   }
+  Texts linesOfSameEpisodes() const {
+    Texts lines = log.lines();
+    std::erase_if(lines, [](const std::string& line) { return !line.starts_with("same episode: "); });
+    return lines;
+  }
   Texts filesListed() { return fieldOf(indexOf("News"), "FilePath"); }
 };
 
@@ -23,7 +28,6 @@ TEST_F(EpisodeIdentity, OfAnEmptyUrlIsTheSameInAnIndexAndOfNoneIsNobodys) {
   const QDUIPodcastXMLConverter converter{writer};
   umsservice::ChannelIndex index(converter, channel("News", {}), true, "/P/News",
                                  umsservice::ChannelIndex::Origin::DeviceFile);
-  surroundings.level->level = 0;
   auto titled = [](const char* title, const Value& url) {
     return Dictionary{{"Title", title}, {"Url", url}};
   };
@@ -33,9 +37,9 @@ TEST_F(EpisodeIdentity, OfAnEmptyUrlIsTheSameInAnIndexAndOfNoneIsNobodys) {
   };
   index.add(titled("missing", Value()));
   index.add(titled("null", Null()));
-  EXPECT_EQ(log.lines(), Texts{});
+  EXPECT_EQ(linesOfSameEpisodes(), Texts{});
   index.add(titled("empty", ""));
-  EXPECT_EQ(log.lines(), Texts{"same episode: "}) << "a missing Url is written as an empty element";
+  EXPECT_EQ(linesOfSameEpisodes(), Texts{"same episode: "}) << "a missing Url is written as an empty element";
   EXPECT_EQ(titles(), (Texts{"missing", "null"}));
   for (const Value& url : {Value(), Value(Null())}) index.remove(titled("missing", url));
   EXPECT_EQ(titles(), (Texts{"missing", "null"}));
@@ -50,9 +54,8 @@ TEST_F(EpisodeIdentity, OfAnEmptyUrlIsTheSameInAnIndexAndOfNoneIsNobodys) {
 }
 
 TEST_F(EpisodeIdentity, OfAnEmptyUrlIsTheSameInACopyAndInADelete) {
-  surroundings.level->level = 0;
   EXPECT_TRUE(copy({channel("News", {named("1.mp3", ""), named("2.mp3", ""), episode("3.mp3")})}));
-  EXPECT_EQ(log.lines(), Texts{"same episode: "});
+  EXPECT_EQ(linesOfSameEpisodes(), Texts{"same episode: "});
   EXPECT_EQ(treeOf(podcasts + "/News"), (Texts{"1.mp3", "2.mp3", "3.mp3", "News.xml"}));
   EXPECT_EQ(filesListed(), (Texts{"1.mp3", "3.mp3"}));
   notifications.clear();
@@ -63,9 +66,8 @@ TEST_F(EpisodeIdentity, OfAnEmptyUrlIsTheSameInACopyAndInADelete) {
 }
 
 TEST_F(EpisodeIdentity, OfAMissingUrlIsNobodysInACopyAndInADelete) {
-  surroundings.level->level = 0;
   EXPECT_TRUE(copy({channel("News", {named("1.mp3", Value()), named("2.mp3", Null())})}));
-  EXPECT_EQ(log.lines(), Texts{});
+  EXPECT_EQ(linesOfSameEpisodes(), Texts{});
   EXPECT_EQ(filesListed(), (Texts{"1.mp3", "2.mp3"}));
   for (const Value& url : {Value(), Value(Null())}) {
     EXPECT_TRUE(service->doDeletePodcastContents(
