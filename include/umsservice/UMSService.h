@@ -259,7 +259,8 @@ class UMS_EXPORT UMSService final : public OVFileService, public TransferCallbac
   MaybeArray fileInformationList(uint32_t unused, uint32_t mediaType, uint32_t diskIndex);
   /// "diskIndex", "FilePath" and "FileName" of music, images or videos; no file is opened.
   MaybeArray fileNameList(uint32_t unused, uint32_t mediaType, uint32_t diskIndex);
-  /// The same with "FileSize" and the path below the volume as "FileName", behind "External/" on cards.
+  /// The same with "FileSize" and the path below the volume as "FileName", behind "External/" but on volume
+  /// 0.
   MaybeArray fileNameListWithFolderStructure(uint32_t unused, uint32_t mediaType, uint32_t diskIndex);
   /// Four groups ("DiskIndex", "ContentMediaType", "ContentMediaTag") for each volume.
   MaybeArray fileInformationListForAllMediaType(uint32_t unused);

@@ -12,7 +12,8 @@ constexpr auto kDeleteContentsMethod = "-[UMSService doDeleteMediaContents:]";
 bool MediaDelete::run() {
   const ServiceContext& context = tools_.context;
   if (request_.mediaType == kMediaPodcast) {
-    context.log.write(3, kDeleteContentsMethod, "Media Type is not podcast. Media Type = %d", request_.mediaType);
+    context.log.write(3, kDeleteContentsMethod, "Media Type is not podcast. Media Type = %d",
+                      request_.mediaType);
     return false;
   }
   const MaybeString location = context.identity.currentLocationID();
