@@ -18,7 +18,4 @@ if(UMS_SANITIZE)
 endif()
 if(UMS_SANITIZE MATCHES "thread")
   add_compile_options(-O1)  # without it every byte that a test looks at costs a call
-  if(CMAKE_CXX_COMPILER_ID MATCHES "Clang" AND NOT APPLE)
-    add_link_options(LINKER:-z,muldefs)  # the run-time brings operators that tests replace by their own
-  endif()
 endif()

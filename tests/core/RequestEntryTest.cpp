@@ -1,22 +1,5 @@
-#include <new>
-
 #include "CoreRoom.h"
-
-namespace {
-
-/// While set, this thread gets no memory from the allocation that answers null instead of throwing.
-thread_local bool memoryIsOut = false;
-
-}  // namespace
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  if (memoryIsOut) return nullptr;
-  try {
-    return ::operator new(size);
-  } catch (...) {
-    return nullptr;
-  }
-}
+#include "ScarceMemory.h"
 
 namespace umsservice::testing {
 namespace {
@@ -122,14 +105,13 @@ TEST_F(RequestEntry, RefusesARequestWithoutContents) {
 }
 
 TEST_F(RequestEntry, RefusesARequestForWhichThereIsNoMemory) {
+  REQUIRE_SCARCE_MEMORY();
   addVolumes();
   addPeer();
   for (const auto& [method, call] : everyEntryPoint()) {
     expectLine(surroundings, 3, method, "Memory alloc for File Service is FAILED.", [&, &refusing = call] {
-      memoryIsOut = true;
-      bool accepted = refusing(contents);
-      memoryIsOut = false;
-      EXPECT_FALSE(accepted);
+      ScarceMemory scarce;
+      EXPECT_FALSE(refusing(contents));
     });
   }
   expectNothingQueued();

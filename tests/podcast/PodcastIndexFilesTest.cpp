@@ -1,20 +1,9 @@
 #include <cerrno>
 #include <filesystem>
-#include <new>
 
 #include "PodcastIndexFiles.h"
 #include "PodcastTest.h"
-
-/// Fails while a test says so; the converter is the only thing in this program that is made this way.
-static thread_local bool nothingIsLeft = false;
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-  if (nothingIsLeft) return nullptr;
-  try {
-    return ::operator new(size);
-  } catch (...) {
-    return nullptr;
-  }
-}
+#include "ScarceMemory.h"
 
 namespace umsservice::testing {
 namespace {
@@ -67,13 +56,13 @@ TEST_F(PodcastIndexFiles, AreNotReadWhenTheyAreTooLong) {
 }
 
 TEST_F(PodcastIndexFiles, SayWhenNoConverterCanBeMade) {
-  nothingIsLeft = true;
+  REQUIRE_SCARCE_MEMORY();
+  ScarceMemory scarce;
   expectLine(surroundings, 1, kCheck, "podcast XML Converter is failed.",
              [&] { EXPECT_FALSE(indexes.checkXmlData(folder, "News")); });
   expectLine(surroundings, 1, "-[UMSService umsPodcastXmlData:]", "podcast XML Converter is failed.",
              [&] { EXPECT_FALSE(indexes.umsPodcastXmlData(folder + "/News.xml")); });
   EXPECT_FALSE(indexes.makeXMLInfoFromFileData(folder, nullptr));
-  nothingIsLeft = false;
 }
 
 TEST_F(PodcastIndexFiles, SayWhyTheyCannotBeWritten) {
