@@ -4,6 +4,7 @@
 #include <limits>
 
 #include "Paths.h"
+#include "PhaseLine.h"
 #include "umsservice/Notifications.h"
 
 namespace umsctl {
@@ -18,8 +19,12 @@ std::string whyUnreadable(FileSystem& files, const std::string& path) {
   return opened.error().words();
 }
 
-Contents::Contents(FileSystem& files, const std::vector<std::string>& arguments, const Objection& objection) {
+Contents::Contents(const Errand& errand, FileSystem& files, const std::vector<std::string>& arguments,
+                   const Objection& objection) {
+  PhaseLine line(errand.wishes());
   for (const std::string& argument : arguments) {
+    errand.stopIfCancelled();
+    line.step("Looking at files", names.size(), arguments.size());
     std::string path = absolutePath(argument);
     std::string cause = objection(files, path);
     Dictionary content{{key::kFileName, lastComponent(path)}};

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "Errand.h"
 #include "umsservice/FileSystem.h"
 #include "umsservice/Value.h"
 
@@ -21,7 +22,8 @@ struct Contents {
   /// Files with an objection have their place in the list, but no path: the service counts them as failed
   /// without a look at the device (a file of that name which is there is no conflict with nothing), and the
   /// others go on.
-  Contents(umsservice::FileSystem& files, const std::vector<std::string>& arguments,
+  /// Looks at each; a person may interrupt that.
+  Contents(const Errand& errand, umsservice::FileSystem& files, const std::vector<std::string>& arguments,
            const Objection& objection = whyUnreadable);
 
   /// Whether a full path is in the list.

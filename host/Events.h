@@ -46,7 +46,7 @@ struct Plan {
 
 /// How far a command is.
 struct HowFar {
-  const char* phase = "";  ///< "transfer" or "verify"
+  const char* phase = "";  ///< "transfer", "verify" or "flush"
   size_t counted = 0;
   size_t items = 0;
   uint64_t passedBytes = 0;

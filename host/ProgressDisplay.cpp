@@ -158,6 +158,7 @@ void ProgressDisplay::stepAside(const std::function<void()>& speak) {
 
 void ProgressDisplay::announce(const std::string& phase) {
   std::lock_guard lock(mutex_);
+  if (!isFinished_) tellHowFar("flush");
   if (!redraws_ || isFinished_) return;
   printToError(kEraseLine + shortened(phase, errorColumns() - 1));
   isDrawn_ = true;
@@ -189,8 +190,12 @@ void ProgressDisplay::tellProgress() {
   if (errand_.rehearsal() || now - lastTold_ < kBetweenTellings) return;
   rate_.note(now, tally_.movedBytes());
   lastTold_ = now;
-  errand_.events().progressed({isVerifying_ ? "verify" : "transfer", tally_.counted(), tally_.items(),
-                               tally_.passedBytes(), tally_.totalBytes(), rate_.perSecond(), currentName_});
+  tellHowFar(isVerifying_ ? "verify" : "transfer");
+}
+
+void ProgressDisplay::tellHowFar(const char* phase) {
+  errand_.events().progressed({phase, tally_.counted(), tally_.items(), tally_.passedBytes(),
+                               tally_.totalBytes(), rate_.perSecond(), currentName_});
 }
 
 void ProgressDisplay::erase() {

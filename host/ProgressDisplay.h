@@ -59,6 +59,7 @@ class ProgressDisplay {
   void hearProgress(const umsservice::Dictionary& userInfo);
   bool isVerifiedLater(const umsservice::ItemOutcome& outcome) const;
   void tellProgress();
+  void tellHowFar(const char* phase);
   void draw(bool always);
   void erase();
 

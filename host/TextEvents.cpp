@@ -7,6 +7,7 @@
 #include "Causes.h"
 #include "EscapedName.h"
 #include "Output.h"
+#include "PhaseLine.h"
 #include "Terminal.h"
 
 namespace umsctl {
@@ -68,11 +69,23 @@ void TextEvents::planned(const Plan& plan) {
   print(text + "nothing has been changed\n");
 }
 
+/// Where the log goes by there is no bar.
+void TextEvents::progressed(const HowFar& progress) {
+  constexpr std::chrono::seconds kBetweenLines{5};
+  if (!wishes_.verbose || !outputIsTerminal()) return;
+  std::lock_guard lock(mutex_);
+  const auto now = std::chrono::steady_clock::now();
+  if (now - lastProgress_ < kBetweenLines) return;
+  lastProgress_ = now;
+  printToError("umsctl: " + byteText(progress.passedBytes) + " of " + byteText(progress.totalBytes) +
+               (progress.name.empty() ? "" : ", " + escaped(progress.name)) + "\n");
+}
+
 /// On a terminal the bar tells enough, unless nobody would know where a file went.
 bool TextEvents::tellsFinished(const TransferManner& manner) const {
   if (wishes_.quiet) return false;
   if (wishes_.dryRun) return true;
-  return manner.isTold && (manner.tellsPlaces || !canRedrawError() || !outputIsTerminal());
+  return manner.isTold && (manner.tellsPlaces || !drawsLines(wishes_) || !outputIsTerminal());
 }
 
 void TextEvents::itemEnded(const EndedItem& item) {

@@ -1,6 +1,7 @@
 /// Events in words: results on standard output, everything about them on standard error.
 #pragma once
 
+#include <chrono>
 #include <mutex>
 
 #include "Events.h"
@@ -14,8 +15,8 @@ class TextEvents final : public Events {
   explicit TextEvents(const Wishes& wishes) : wishes_(wishes) {}
 
   void planned(const Plan& plan) override;
-  /// Shown by the bar; see `ProgressDisplay`.
-  void progressed(const HowFar&) override {}
+  /// Shown by the bar, where there is one; see `ProgressDisplay`.
+  void progressed(const HowFar& progress) override;
   bool tellsFinished(const TransferManner& manner) const override;
   void itemEnded(const EndedItem& item) override;
   void counted(const Counts& counts) override;
@@ -30,6 +31,7 @@ class TextEvents final : public Events {
 
   const Wishes wishes_;
   std::mutex mutex_;
+  std::chrono::steady_clock::time_point lastProgress_;
   std::vector<Failure> failures_;  ///< not told of yet: at a terminal they make one table
 };
 

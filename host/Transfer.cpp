@@ -24,7 +24,7 @@ Transfer::Transfer(const Errand& errand, const VolumeFolders& volumes, const std
                    const TransferManner& manner, const Objection& objection)
     : errand_(errand),
       manner_(manner),
-      contents_(*errand.files(), files, objection),
+      contents_(errand, *errand.files(), files, objection),
       display_(errand, contents_.names, contents_.sizes, manner),
       outcomes_(std::make_shared<Outcomes>(
           errand.files(), [this](const ItemOutcome& outcome) { display_.itemCounted(outcome); })),

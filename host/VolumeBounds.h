@@ -17,6 +17,8 @@ class VolumeBounds {
   bool holdsContents(const std::string& path) const;
 
   /// What is said of a path that is not held.
+  /// Behind the name of a destination.
+  static constexpr auto kLeadsElsewhere = " is on none of the device's volumes";
   static constexpr auto kElsewhere = "it is on none of the device's volumes";
 
  private:

@@ -39,7 +39,7 @@ void showBars(Device& device, bool inBytes, Events& events) {
                  {"USED"},
                  {"FREE", Fit::Keep, true},
                  {"TOTAL", Fit::Keep, true},
-                 {"FOLDER", Fit::Cut}});
+                 {"FOLDER", Fit::CutFront}});
   auto text = [inBytes](uint64_t bytes) { return inBytes ? std::to_string(bytes) : byteText(bytes); };
   for (const Device::Volume& volume : device.volumes()) {
     const uint64_t total = device.service().totalSpace(0, volume.index);

@@ -153,8 +153,12 @@ ExitStatus podcastRemove(const PodcastRemoveOptions& options, const Errand& erra
   errand.stopIfCancelled();
 
   // From here on in order: an interrupt comes between two episodes, and their index is written.
-  auto showDeleted = [&errand](const ItemOutcome& outcome) {
-    if (outcome.kind == Kind::Done) tell(errand, outcome, "");
+  auto showDeleted = [&errand, &sizes](const ItemOutcome& outcome) {
+    if (outcome.kind != Kind::Done) return;
+    ItemOutcome sized = outcome;  // a channel that goes as a whole is told without the sizes of its episodes
+    auto size = sizes.find(outcome.path.value_or(""));
+    if (size != sizes.end()) sized.bytes = size->second;
+    tell(errand, sized, "");
   };
   auto outcomes = std::make_shared<Outcomes>(errand.files(), showDeleted);
   Device device(options.volumes, errand, outcomes);
@@ -172,7 +176,7 @@ ExitStatus podcastRemove(const PodcastRemoveOptions& options, const Errand& erra
     errand.events().complained(channel.folder, options.episodes.empty()
                                                    ? "the channel cannot be removed"
                                                    : "the index of the channel cannot be written");
-  isDone = flushed(errand, device, volume) && isDone;
+  isDone = (errand.rehearsal() || flushed(errand, device, volume)) && isDone;
   ExitStatus status = reported(errand, device, *outcomes, sizes, isDone, wasCancelled);
   if (errand.rehearsal()) tellPlan();
   return status;

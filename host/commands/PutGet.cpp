@@ -1,6 +1,7 @@
 #include "commands/PutGet.h"
 
 #include "DirectCopy.h"
+#include "EscapedName.h"
 #include "Paths.h"
 #include "Transfer.h"
 #include "VolumeBounds.h"
@@ -12,9 +13,9 @@ namespace {
 using namespace umsservice;
 
 /// As every copying program takes it: a folder gets the file under its own name.
-std::string destinationOf(Device& device, const DirectOptions& options) {
+std::string destinationOf(FileSystem& files, const DirectOptions& options) {
   std::string path = absolutePath(options.to);
-  bool isFolder = path.ends_with('/') || device.files().isFolder(path);
+  bool isFolder = path.ends_with('/') || files.isFolder(path);
   return isFolder ? inFolder(path, lastComponent(options.from)) : path;
 }
 
@@ -81,14 +82,16 @@ ExitStatus transferOne(Transfer& transfer, const WrittenPlace& written, const st
 }  // namespace
 
 ExitStatus put(const DirectOptions& options, const Errand& errand) {
-  Transfer transfer(errand, options.volumes, {options.from}, {.subtitles = Subtitles::StayBehind});
-  std::string destination = destinationOf(transfer.device(), options);
-  bool hasSource = transfer.contents().objections.front().empty();
-  if (!hasSource || VolumeBounds(options.volumes).holdsItem(destination))
-    return transferOne(transfer, placeOf(transfer.device(), destination), destination,
-                       &UMSService::writeFileToDevice);
-  errand.events().complained(options.to, VolumeBounds::kElsewhere);
-  return ExitStatus::SomeFailed;
+  const VolumeBounds bounds(options.volumes);
+  auto objection = [&](FileSystem& files, const std::string& path) -> std::string {
+    std::string cause = whyUnreadable(files, path);
+    if (!cause.empty() || bounds.holdsItem(destinationOf(files, options))) return cause;
+    return escaped(options.to) + VolumeBounds::kLeadsElsewhere;
+  };
+  Transfer transfer(errand, options.volumes, {options.from}, {.subtitles = Subtitles::StayBehind}, objection);
+  const std::string destination = destinationOf(transfer.device().files(), options);
+  return transferOne(transfer, placeOf(transfer.device(), destination), destination,
+                     &UMSService::writeFileToDevice);
 }
 
 ExitStatus get(const DirectOptions& options, const Errand& errand) {
@@ -99,7 +102,7 @@ ExitStatus get(const DirectOptions& options, const Errand& errand) {
   Transfer transfer(errand, options.volumes, {options.from},
                     {.place = "there", .folder = "its folder", .subtitles = Subtitles::StayBehind},
                     objection);
-  const std::string destination = destinationOf(transfer.device(), options);
+  const std::string destination = destinationOf(transfer.device().files(), options);
   return transferOne(transfer, {destination.substr(0, destination.rfind('/') + 1), {}}, destination,
                      &UMSService::readFileFromDevice);
 }

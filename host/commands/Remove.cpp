@@ -51,7 +51,7 @@ std::string planned(Device& device, const Contents& contents) {
 bool isAgreed(const RemoveOptions& options, const Errand& errand, const Objection& objection) {
   if (errand.wishes().isAgreed || errand.rehearsal()) return true;
   Device device(options.volumes, errand);
-  std::string plan = planned(device, Contents(device.files(), options.files, objection));
+  std::string plan = planned(device, Contents(errand, device.files(), options.files, objection));
   if (plan.empty()) return true;  // each file is told with what stands against it
   return agreesTo(errand, "Delete " + plan + " from the device?");
 }

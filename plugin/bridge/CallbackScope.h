@@ -15,7 +15,7 @@
 namespace umsplugin {
 
 /// Runs `body` in a pool. An exception of the host outlives the pool and is thrown on behind it; on a worker,
-/// where no pool is left then, it lives until the next one there.
+/// where no pool is left then, it lives until somebody has asked for its reason.
 void inPool(void (*body)(void*), void* context);
 
 /// Runs `body` in a pool and gives its answer, which must not be an autoreleased object.

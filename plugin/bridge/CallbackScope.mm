@@ -2,6 +2,9 @@
 
 #include <objc/objc-exception.h>
 
+#include <algorithm>
+#include <vector>
+
 #include "bridge/Exceptions.h"
 #include "bridge/Text.h"
 
@@ -25,12 +28,18 @@ class CallingThread {
   /// worker there is no other pool.
   void keep(id exception) {
     if (isWorker_ && pools_ == 0) {
-      id before = lastException_;
-      lastException_ = exception;
-      [before release];
+      thrown_.push_back(exception);
     } else {
       [exception autorelease];
     }
+  }
+
+  /// One that has been caught and read.
+  void drop(id exception) {
+    auto kept = std::find(thrown_.begin(), thrown_.end(), exception);
+    if (kept == thrown_.end()) return;
+    thrown_.erase(kept);
+    [exception release];
   }
 
   class Pool {
@@ -51,7 +60,7 @@ class CallingThread {
  private:
   bool isWorker_ = false;  ///< not a thread of the host's, which the runtime knew before
   int pools_ = 0;
-  id lastException_ = nil;
+  std::vector<id> thrown_;  ///< on their way: what one of them passes may throw another
 };
 
 #ifdef GNUSTEP
@@ -61,7 +70,7 @@ CallingThread::CallingThread() : isWorker_(GSRegisterCurrentThread() == YES) {}
 CallingThread::~CallingThread() {
   if (!isWorker_) return;
   NSAutoreleasePool* pool = [[NSAutoreleasePool alloc] init];
-  [lastException_ release];
+  for (id exception : thrown_) [exception release];
   [pool release];
   GSUnregisterCurrentThread();
 }
@@ -106,6 +115,7 @@ umsservice::MaybeString reasonOfHandledException() {
     } else {
       reason = toText([exception description]);
     }
+    CallingThread::current().drop(exception);
     [exception release];
   } catch (...) {
     // One of another language's, which has no words that are known here.

@@ -61,8 +61,7 @@ class Condition {
   /// The same for no longer than that; false when the time is over.
   bool waitFor(Mutex& mutex, std::chrono::milliseconds time) REQUIRES(mutex) {
     std::unique_lock<std::mutex> held(mutex.mutex_, std::adopt_lock);
-    // The system's clock: thread sanitizers do not know the waits on the other one.
-    const auto end = condition_.wait_until(held, std::chrono::system_clock::now() + time);
+    const auto end = condition_.wait_for(held, time);
     held.release();
     return end == std::cv_status::no_timeout;
   }

@@ -3,6 +3,7 @@
 #include <malloc.h>
 #endif
 
+#include <atomic>
 #include <thread>
 
 #include "HostTest.h"
@@ -33,6 +34,30 @@ static void raise(NSString* what) {
 @end
 
 static int attempts;
+static std::atomic<bool> isFrail;
+
+/// A dictionary that raises at every look, once it has become frail.
+@interface FrailDictionary : NSDictionary {
+ @public
+  NSDictionary* contents;
+}
+@end
+@implementation FrailDictionary
+- (void)dealloc {
+  [contents release];
+  [super dealloc];
+}
+- (NSUInteger)count {
+  return [contents count];
+}
+- (id)objectForKey:(id)key {
+  if (isFrail) raise(@"a frail dictionary");
+  return [contents objectForKey:key];
+}
+- (NSEnumerator*)keyEnumerator {
+  return [contents keyEnumerator];
+}
+@end
 
 /// A dictionary that calls itself mutable and is not.
 @interface FrozenDictionary : NSMutableDictionary {
@@ -195,6 +220,20 @@ TEST_F(Exceptions, OfAListGoToTheHostThatAsksItself) {
   record.contents = raising;
   EXPECT_EQ(text(exceptionIn([&] { [service doUmsFileService:&record]; })), "TestException");
   EXPECT_EQ([[ear named:kUmsResult] count], 0u) << "the host knows already";
+}
+
+TEST_F(Exceptions, OfWhatIsLookedAtAgainOnTheWayOutEndItsRequestOnce) {
+  isFrail = false;
+  onEach([](NSNotification* posted) {
+    if ([[posted name] isEqualToString:kItemResult]) isFrail = true;
+  });
+  FrailDictionary* frail = [[[FrailDictionary alloc] init] autorelease];
+  frail->contents = [[NSDictionary alloc] initWithDictionary:song];
+  ASSERT_TRUE(copy(1, [NSArray arrayWithObjects:song, frail, nil]));
+  ASSERT_TRUE(eventually([&] { return [resultOf(1) count] > 0; }));
+  onEach([](NSNotification*) {});
+  EXPECT_EQ(number(lastOf(kProgress, 1), @"Max"), 2) << "told by the run, which knows its files";
+  expectEndAndAGoodWorker(1);
 }
 
 TEST_F(Exceptions, OfAnOverwriteQuestionEndItsRequest) {

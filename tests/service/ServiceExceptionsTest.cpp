@@ -108,6 +108,21 @@ TEST_F(ServiceExceptions, InAPodcastLeaveWhatHasArrivedInTheIndex) {
   EXPECT_EQ(index->get("children").array()->count(), 1u);
 }
 
+TEST_F(ServiceExceptions, InACancellationOfARequestThatTheHostRunsItselfLeaveNoCancelBehind) {
+  notifications.onEach([this](const Notification& posted) {
+    if (isResult(posted)) service->cancelFileAction(1);
+    if (hasStatus(kTransferCancelled)(posted)) throw std::runtime_error("no more");
+  });
+  _serviceinfo request;
+  request.serviceID = 1;
+  request.command = kCommandCopyToDevice;
+  request.mediaType = kMediaMusic;
+  request.contents = three();
+  EXPECT_THROW(service->doUmsFileService(&request), std::runtime_error);
+  EXPECT_EQ(ends(), (std::vector<uint32_t>{kTransferCancelled}));
+  EXPECT_FALSE(service->isCancelServiceId(1));
+}
+
 TEST_F(ServiceExceptions, ReachTheHostThatRunsARequestItself) {
   throwAtFirst(isResult);
   _serviceinfo request;

@@ -75,18 +75,25 @@ TEST_F(ServiceRelease, InsideTheAnnouncementOfACancellationOnTheHostsThread) {
 }
 
 TEST_F(ServiceRelease, InsideTheSectionLeavesAWorkerThatStandsBeforeItToItself) {
-  const std::shared_ptr<SynchronizedObject> section = makeSynchronizedObject();
-  service = std::make_shared<UMSService>(surroundings.environment, section);
-  service->addDiskInformation(disk(1, internal));
-  {
-    std::lock_guard<SynchronizedObject> held(*section);
-    ASSERT_TRUE(queueShort(1, "1.mp3"));
-    ASSERT_TRUE(waitForDispatchedCopy());
-    service.reset();
-    EXPECT_EQ(log.count("umsFileServiceQueueThread Exit!"), 1u) << "that of the fixture's first service";
+  const std::function<bool()> kRequests[] = {
+      [this] { return queueShort(1, "1.mp3"); },
+      [this] { return service->syncContents(1, shortContents("1.mp3"), kMediaMusic, true); }};
+  for (const auto& queue : kRequests) {
+    const std::shared_ptr<SynchronizedObject> section = makeSynchronizedObject();
+    service = std::make_shared<UMSService>(surroundings.environment, section);
+    service->addDiskInformation(disk(1, internal));
+    log.clear();
+    {
+      std::lock_guard<SynchronizedObject> held(*section);
+      ASSERT_TRUE(queue());
+      ASSERT_TRUE(
+          eventually([this] { return !linesOf(surroundings, "-[UMSService doUmsFileService:]").empty(); }));
+      service.reset();
+      EXPECT_EQ(log.count("umsFileServiceQueueThread Exit!"), 0u);
+    }
+    ASSERT_TRUE(waitForWorkersEnd());
+    EXPECT_EQ(treeOf(internal), Lines()) << "nothing is made for a service that has gone";
   }
-  ASSERT_TRUE(waitForWorkersEnd(2));
-  EXPECT_EQ(treeOf(internal), Lines()) << "nothing is copied for a service that has gone";
 }
 
 TEST_F(ServiceRelease, InsideARequestThatTheHostRunsItselfWhileTheWorkerWaitsForTheSection) {

@@ -4,6 +4,7 @@
 #include <mutex>
 
 #include "RequestGuard.h"
+#include "StoppedRun.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
 
@@ -70,11 +71,11 @@ bool Dispatcher::doUmsFileService(const _serviceinfo* serviceInfo) {
 void Dispatcher::serve(const _serviceinfo& serviceInfo) {
   trace(serviceInfo.command);
   Outcome outcome;
-  const uint32_t stoppedBefore = context_.stoppedRuns;
+  StoppedRun::forget();
   if (runsToItsEnd(context_, [&] { outcome = perform(serviceInfo); })) {
     report(serviceInfo, outcome);
   } else {
-    reportStopped(serviceInfo, context_.stoppedRuns != stoppedBefore);
+    reportStopped(serviceInfo, StoppedRun::toldTheEndOf(serviceInfo));
   }
 }
 

@@ -5,6 +5,7 @@
 /// language leaves no trace that C++ could ask for.
 #pragma once
 
+#include <iterator>
 #include <utility>
 
 #include "RequestGuard.h"
@@ -16,7 +17,11 @@ class OnException {
  public:
   OnException(const ServiceContext& context, Owed owed) : context_(context), owed_(std::move(owed)) {}
   ~OnException() {
-    if (!isOver_) runsToItsEnd(context_, owed_);
+    if (isOver_) return;
+    try {
+      runsToItsEnd(context_, owed_);
+    } catch (...) {  // from the log: two exceptions at once would end the host
+    }
   }
   OnException(const OnException&) = delete;
   OnException& operator=(const OnException&) = delete;
@@ -29,6 +34,19 @@ class OnException {
   const Owed owed_;
   bool isOver_ = false;
 };
+
+/// Each of a list, the others also when an exception ends one: what they throw themselves is only logged.
+template <typename List, typename Each>
+void forEachInAnyCase(const ServiceContext& context, const List& list, const Each& each) {
+  for (auto one = list.begin(); one != list.end(); ++one) {
+    OnException rest(context, [&] {
+      for (auto other = std::next(one); other != list.end(); ++other)
+        runsToItsEnd(context, [&] { each(*other); });
+    });
+    each(*one);
+    rest.over();
+  }
+}
 
 /// One thing after the other; the second also when an exception ends the first.
 template <typename Work, typename Owed>

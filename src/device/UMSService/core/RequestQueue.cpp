@@ -1,6 +1,5 @@
 #include "RequestQueue.h"
 
-#include <iterator>
 #include <mutex>
 #include <thread>
 
@@ -88,25 +87,25 @@ bool RequestQueue::takeMatching(uint32_t serviceID, Records& removed) {
   return removed.size() > before;
 }
 
-void RequestQueue::announceCancelled(Records::const_iterator from, const Records& removed) {
-  for (auto record = from; record != removed.end(); ++record) {
-    OnException rest(context_, [&] { announceCancelled(std::next(record), removed); });
-    reports_.sendCancelProgressEvent((*record)->serviceID, context_.identity.currentLocationID(),
-                                     (*record)->mediaType, 0, 0, kTransferCancelled);
-    rest.over();
-  }
+void RequestQueue::announceCancelled(const Records& removed) {
+  forEachInAnyCase(context_, removed, [this](const Record& record) {
+    reports_.sendCancelProgressEvent(record->serviceID, context_.identity.currentLocationID(),
+                                     record->mediaType, 0, 0, kTransferCancelled);
+  });
 }
 
 bool RequestQueue::emptyQueue(uint32_t serviceID) {
   Records removed;
   bool found = takeMatching(serviceID, removed);
-  announceCancelled(removed.begin(), removed);
+  announceCancelled(removed);
   return found;
 }
 
 std::vector<RequestQueue::Cancelled> RequestQueue::takeCancelled() {
   std::vector<Cancelled> cancelled;
+  context_.workerEnd.waitsForSection(true);
   std::lock_guard<SynchronizedObject> oneWalkAtATime(context_.classSection());
+  context_.workerEnd.waitsForSection(false);
   size_t count = context_.cancelList.count();
   // The index advances after a removal too, so an entry that moved up waits for the next walk.
   for (size_t i = 0; i < count; ++i) {
@@ -122,31 +121,19 @@ std::vector<RequestQueue::Cancelled> RequestQueue::takeCancelled() {
   return cancelled;
 }
 
-void RequestQueue::tellOfCancelled(std::vector<Cancelled>::const_iterator from,
-                                   const std::vector<Cancelled>& cancelled) {
+void RequestQueue::tellOfCancelled(const Cancelled& request) {
   constexpr auto kMethod = "-[UMSService emptyQueue]";
-  for (auto request = from; request != cancelled.end(); ++request) {
-    if (!request->serviceID) {
-      context_.log.always(kMethod, "Cancel Service ID Value is nil.");
-      continue;
-    }
-    auto leaveLines = [&] {
-      context_.cancelList.logRemovalPassedOver(request->passedOver);
-      context_.log.write(7, kMethod, "Cancel Service ID : 0x%08x", *request->serviceID);
-    };
-    OnException rest(context_, [&] {
-      leaveLines();
-      tellOfCancelled(std::next(request), cancelled);
-    });
-    announceCancelled(request->records.begin(), request->records);
-    rest.over();
-    leaveLines();
-  }
+  if (!request.serviceID) return context_.log.always(kMethod, "Cancel Service ID Value is nil.");
+  inAnyCase(
+      context_, [&] { announceCancelled(request.records); },
+      [&] {
+        context_.cancelList.logRemovalPassedOver(request.passedOver);
+        context_.log.write(7, kMethod, "Cancel Service ID : 0x%08x", *request.serviceID);
+      });
 }
 
 void RequestQueue::emptyQueue() {
-  const std::vector<Cancelled> cancelled = takeCancelled();
-  tellOfCancelled(cancelled.begin(), cancelled);
+  forEachInAnyCase(context_, takeCancelled(), [this](const Cancelled& request) { tellOfCancelled(request); });
 }
 
 void RequestQueue::cancelFileAction(uint32_t serviceID) {

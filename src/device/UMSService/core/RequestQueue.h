@@ -55,9 +55,9 @@ class RequestQueue {
 
   std::vector<Cancelled> takeCancelled();
   bool takeMatching(uint32_t serviceID, Records& removed);
-  // Each tells of everything, and an exception of a handler's goes on when all have been told.
-  void announceCancelled(Records::const_iterator from, const Records& removed);
-  void tellOfCancelled(std::vector<Cancelled>::const_iterator from, const std::vector<Cancelled>& cancelled);
+  // Both tell of everything; an exception of a handler's goes on when all have been told.
+  void announceCancelled(const Records& removed);
+  void tellOfCancelled(const Cancelled& request);
   bool isEmpty();
   Record takeFront();
   uint64_t signalsSoFar();

@@ -1,6 +1,7 @@
 #include "MediaRun.h"
 
 #include "OnException.h"
+#include "StoppedRun.h"
 #include "TargetPath.h"
 #include "umsservice/ErrorNumbers.h"
 #include "umsservice/Notifications.h"
@@ -13,10 +14,13 @@ void notifySkipped(MediaTools& tools, OVUmsDeviceNotifier& notifier, uint64_t si
   notifier.incCurrentTransferFileCount();
 }
 
-void endForException(ServiceContext& context, OVUmsDeviceNotifier& notifier) {
-  ++context.stoppedRuns;
-  const int32_t status = notifier.currentTransferStatus();
-  if (status != kTransferFinished && status != kTransferCancelled) notifier.cancelFileTransfer();
+void endForException(ServiceContext& context, const _serviceinfo& request, OVUmsDeviceNotifier& notifier) {
+  context.cancelList.removeEvery(request.serviceID);
+  auto tell = [&] {
+    const int32_t status = notifier.currentTransferStatus();
+    if (status != kTransferFinished && status != kTransferCancelled) notifier.cancelFileTransfer();
+  };
+  inAnyCase(context, tell, [&] { StoppedRun::hasToldItsEnd(request); });
 }
 
 void attachMediaInfo(const MediaTools& tools, OVUmsDeviceNotifier& notifier, const std::string& path,
@@ -49,8 +53,9 @@ MediaRun::MediaRun(MediaTools& tools, const _serviceinfo& request, const char* m
 bool MediaRun::carryOut(const std::function<bool()>& prepare,
                         const std::function<Next(const MediaItem&)>& step) {
   OnException end(context_, [this] {
-    tellRestNotReached(kErrorOperationFailed);
-    endForException(context_, notifier_);
+    inAnyCase(
+        context_, [this] { endForException(context_, request_, notifier_); },
+        [this] { tellRestNotReached(kErrorOperationFailed); });
   });
   const bool isReady = !prepare || prepare();
   for (size_t i = 0; isReady && i < count(); ++i) {
@@ -223,7 +228,16 @@ void MediaRun::tell(const MediaItem& item, ItemOutcome::Kind kind, uint32_t erro
 }
 
 void MediaRun::tellRestNotReached(uint32_t errorNumber) {
-  while (untold_ < count()) tell(item(untold_), ItemOutcome::Kind::NotReached, errorNumber);
+  if (!context_.environment.itemObserver) return;
+  while (untold_ < count()) tell(readableItem(untold_), ItemOutcome::Kind::NotReached, errorNumber);
+}
+
+/// One whose dictionary throws is told by its place alone.
+MediaItem MediaRun::readableItem(size_t index) const {
+  MediaItem found;
+  found.index = index;
+  runsToItsEnd(context_, [&] { found = item(index); });
+  return found;
 }
 
 }  // namespace umsservice

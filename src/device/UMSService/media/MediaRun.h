@@ -32,8 +32,8 @@ struct MediaTools {
 void notifySkipped(MediaTools& tools, OVUmsDeviceNotifier& notifier, uint64_t size);
 
 /// Tells the host of a run's end as a cancel does, unless it has heard of one: for a run that an exception of
-/// the host's stops.
-void endForException(ServiceContext& context, OVUmsDeviceNotifier& notifier);
+/// the host's stops. A cancel of the request has been for this run.
+void endForException(ServiceContext& context, const _serviceinfo& request, OVUmsDeviceNotifier& notifier);
 
 /// Hands the tags of a file to a notifier, when the host's reader knows it. `shownPath`, where given, takes
 /// the place of the path in them.
@@ -122,6 +122,7 @@ class MediaRun {
 
  private:
   void tellRestNotReached(uint32_t errorNumber);
+  MediaItem readableItem(size_t index) const;
 
   MediaTools& tools_;
   ServiceContext& context_;

@@ -45,6 +45,7 @@ bool MediaSync::prepareFolder(MediaRun& run) {
     return false;
   }
   folder_ = context_.environment.placementRules->syncFolder(volumePath_, *folder);
+  if (context_.isReleased()) return true;  // the first item tells of it; the volume may be another one by now
   std::string words;
   if (tools_.folders.createFolder(folder_, &words)) return true;
   context_.log.write(1, kSyncMethod, "Create Folder for %@ is failed", folder);

@@ -97,8 +97,11 @@ bool PodcastRun::endsForRelease(const char* method) {
 
 void PodcastRun::carryOut(const char* method, const std::function<bool(const PodcastChannel&)>& step) {
   OnException end(context_, [this] {
-    ledger_.countRest({Kind::NotReached, kErrorOperationFailed});
-    endForException(context_, notifier_);
+    inAnyCase(
+        context_, [this] { endForException(context_, request_, notifier_); },
+        [this] {
+          ledger_.countRest({Kind::NotReached, kErrorOperationFailed});
+        });
   });
   for (const PodcastChannel& channel : channels_) {
     if (endsForCancel(method) || !step(channel)) break;
