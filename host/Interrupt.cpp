@@ -27,6 +27,7 @@ static_assert(std::atomic<int>::is_always_lock_free);
 
 int readDescriptor = -1;
 struct sigaction before[std::size(kSignals)];
+sigset_t maskBefore;
 
 void wake() {
   const char byte = 0;
@@ -64,18 +65,30 @@ void takeSignals() {
   }
 }
 
+/// The calling thread and those that it makes leave the signals to the one that waits for them: it is never
+/// in the middle of something when one arrives.
+void leaveSignalsToOthers() {
+  sigset_t signals;
+  ::sigemptyset(&signals);
+  for (int number : kSignals) ::sigaddset(&signals, number);
+  ::pthread_sigmask(SIG_BLOCK, &signals, &maskBefore);
+}
+
 }  // namespace
 
 Interrupt::Interrupt() {
   signalCount = 0;
   openPipe();
   waiter_ = std::thread([this] { waitForSignal(); });
+  leaveSignalsToOthers();
   takeSignals();
 }
 
 Interrupt::~Interrupt() {
+  ::pthread_sigmask(SIG_SETMASK, &maskBefore, nullptr);
   for (size_t i = 0; i < std::size(kSignals); ++i) ::sigaction(kSignals[i], &before[i], nullptr);
   setAction(nullptr);
+  isOver_ = true;
   wake();
   waiter_.join();
   ::close(readDescriptor);
@@ -122,6 +135,8 @@ void Interrupt::waitForSignal() {
   pollfd pipeEnd{readDescriptor, POLLIN, 0};
   while (::poll(&pipeEnd, 1, -1) < 0 && errno == EINTR) continue;
   settle();
+  constexpr int kBetweenLooks = 50;                    // milliseconds
+  while (!isOver_) ::poll(nullptr, 0, kBetweenLooks);  // the second signal needs a thread to arrive at
 }
 
 void answerInterrupt(const std::string& what) {

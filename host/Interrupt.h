@@ -5,6 +5,7 @@
 /// ignored when the program started stays ignored.
 #pragma once
 
+#include <atomic>
 #include <functional>
 #include <mutex>
 #include <string>
@@ -39,6 +40,7 @@ class Interrupt {
 
   std::mutex mutex_;
   std::function<void()> action_;
+  std::atomic<bool> isOver_{false};
   std::thread waiter_;
 };
 

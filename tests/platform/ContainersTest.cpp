@@ -125,7 +125,7 @@ TEST(Arrays, AreReferencesToOneContainer) {
 
 TEST(Arrays, GoTheirOwnWayAfterAMutableCopyOrASnapshot) {
   Array inner{1};
-  Array array{inner};
+  Array array{Value(inner)};
   Array copy = array.mutableCopy();
   std::vector<Value> snapshot = array.snapshot();
   array.append("later");
