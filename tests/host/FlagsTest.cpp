@@ -99,6 +99,13 @@ TEST_F(Flags, VerboseShowsTheLogOfTheService) {
   EXPECT_EQ(linesOf(ended.output).back(), "1 copied (1.0 kB)");
 }
 
+TEST_F(Flags, VerboseNamesEachFileOnATerminalToo) {
+  Ended ended = umsctl(pushing({"-v", media("sunrise.jpg")}), {.atTerminal = true});
+  EXPECT_EQ(ended.status, 0);
+  EXPECT_NE(ended.output.find("copied   " + phone), std::string::npos) << ended.output;
+  EXPECT_NE(ended.output.find("] Copy File : "), std::string::npos) << "the log goes by";
+}
+
 TEST_F(Flags, NothingWaitsForAnAnswerWithoutATerminal) {
   const std::string song = sandbox.file("phone/Music/plain-hum.mp3", "old");
   const std::vector<Lines> lines{pushing({media("plain-hum.mp3")}),
