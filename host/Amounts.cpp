@@ -31,4 +31,8 @@ std::string durationText(uint64_t seconds) {
   return text;
 }
 
+std::string countText(size_t count, const std::string& what) {
+  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
+}
+
 }  // namespace umsctl

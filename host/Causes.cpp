@@ -109,8 +109,7 @@ std::string causeOf(Device& device, const ItemOutcome& outcome, const std::strin
 std::string adviceFor(const ItemOutcome& outcome, const std::string& cause) {
   if (cause == "it is a folder") return "name the files in it";
   if (cause == "it is no ordinary file") return "only ordinary files can be copied";
-  if (cause == VolumeBounds::kElsewhere || cause.ends_with(VolumeBounds::kLeadsElsewhere))
-    return "name a file below the folder of a volume";
+  if (cause.ends_with(VolumeBounds::kLeadsElsewhere)) return "name a file below the folder of a volume";
   if (cause.ends_with("umsctl rmdir removes folders")) return "use umsctl rmdir";
   if (cause == kReadOnly) return "take its write protection off, or choose another volume";
   if (cause == "it is not a folder") return "use umsctl rm";

@@ -22,10 +22,8 @@ class WatchedFiles final : public umsservice::FileSystem {
   /// The errand outlives it.
   explicit WatchedFiles(const Errand& errand);
 
-  /// From here on the person is told how many folders have been read, as "Looking for music  12". A null name
-  /// ends that and leaves no line behind.
-  void setPhase(const char* what);
-  /// Ends with the life of this.
+  /// While it lives, the person is told how many folders have been read, as "Looking for music  12". Leaves
+  /// no line behind.
   class Phase;
 
   /// Full paths of files that have got new names since the last call: what a damaged index had in it.
@@ -53,6 +51,7 @@ class WatchedFiles final : public umsservice::FileSystem {
  private:
   class Folder;
 
+  void setPhase(const char* what);  ///< null for none
   void look(size_t folders = 0);
 
   const Errand& errand_;

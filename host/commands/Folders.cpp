@@ -88,10 +88,6 @@ class FolderContents {
   std::optional<FileError> unreadable_;
 };
 
-std::string fileCount(size_t count) {
-  return std::to_string(count) + (count == 1 ? " file" : " files");
-}
-
 /// What a folder's own path leaves of one below it.
 std::string below(const std::string& folder, const std::string& path) {
   return path.substr(std::min(path.size(), folder.size() + 1));
@@ -126,7 +122,8 @@ class FolderErrand {
     plan.items = amount.items;
     plan.bytes = amount.bytes;
     if (errand_.rehearsal() && amount.items > 0)
-      errand_.events().remarked(fileCount(plan.items) + " to remove (" + byteText(plan.bytes) + ")\n");
+      errand_.events().remarked(countText(plan.items, "file") + " to remove (" + byteText(plan.bytes) +
+                                ")\n");
     errand_.events().planned(plan);
   }
 
@@ -192,7 +189,8 @@ ExitStatus removeFolder(const RemoveFolderOptions& options, const Errand& errand
   const Plan amount = contents ? contents->amount() : Plan();
   if (objection.cause.empty() && !contents->paths().empty() &&
       !agreesTo(errand, "Delete the folder " + escaped(lastComponent(path)) + " with " +
-                            fileCount(amount.items) + " (" + byteText(amount.bytes) + ") from the device?"))
+                            countText(amount.items, "file") + " (" + byteText(amount.bytes) +
+                            ") from the device?"))
     return ExitStatus::AllDone;
   FolderErrand removing(errand, options.folder, {.done = "removed", .planned = "remove", .isTold = false});
   return removing.run(path, amount, [&]() -> Objection {

@@ -70,8 +70,7 @@ class Listing {
 
   void showTotal() const {
     if (!forEyes_) return;
-    events_.remarked(std::to_string(count_) + (count_ == 1 ? " file" : " files") + ", " + byteText(bytes_) +
-                     "\n");
+    events_.remarked(countText(count_, "file") + ", " + byteText(bytes_) + "\n");
   }
 
   bool everythingWasRead() const { return everythingWasRead_; }

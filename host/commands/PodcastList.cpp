@@ -33,7 +33,7 @@ void show(Events& events, Device& device, const ShelvedChannel& channel) {
   const size_t count = channel.episodes.size();
   std::string line = "  " + escaped(channel.title);
   if (channel.name != channel.title) line += "  [" + escaped(channel.name) + "]";
-  line += "  " + std::to_string(count) + (count == 1 ? " episode" : " episodes") + "\n";
+  line += "  " + countText(count, "episode") + "\n";
   events.shown(
       {line, "channel", {{"title", channel.title}, {"path", channel.folder}, {"episodes", uint64_t{count}}}});
   for (const Dictionary& episode : channel.episodes) events.shown(shownEpisode(device, episode));

@@ -76,14 +76,19 @@ Sizes sizesOf(Device& device, const Dictionary& podcast) {
   return sizes;
 }
 
+/// Of an episode that went: a channel that goes as a whole is told without the sizes of its episodes.
+uint64_t sizeIn(const Sizes& sizes, const ItemOutcome& outcome) {
+  auto size = sizes.find(outcome.path.value_or(""));
+  return size == sizes.end() ? 0 : size->second;
+}
+
 uint64_t bytesOf(const Sizes& sizes) {
   return std::accumulate(sizes.begin(), sizes.end(), uint64_t{0},
                          [](uint64_t sum, const auto& file) { return sum + file.second; });
 }
 
 std::string questionAbout(const ShelvedChannel& channel, bool isWhole, const Sizes& sizes) {
-  const std::string episodes = std::to_string(sizes.size()) + (sizes.size() == 1 ? " episode" : " episodes") +
-                               " (" + byteText(bytesOf(sizes)) + ")";
+  const std::string episodes = countText(sizes.size(), "episode") + " (" + byteText(bytesOf(sizes)) + ")";
   return isWhole ? "Delete the channel " + escaped(channel.title) + " with " + episodes + " from the device?"
                  : "Delete " + episodes + " of the channel " + escaped(channel.title) + " from the device?";
 }
@@ -101,9 +106,8 @@ ExitStatus reported(const Errand& errand, Device& device, const Outcomes& outcom
   for (const ItemOutcome& outcome : outcomes.all()) {
     if (outcome.kind != Kind::Done)
       tell(errand, outcome, needsCause(outcome) ? causeOfEpisode(device, outcome) : "");
-    // A channel that goes as a whole is told without the sizes of its episodes.
-    auto size = sizes.find(outcome.path.value_or(""));
-    if (outcome.kind == Kind::Done && size != sizes.end()) bytes += size->second;
+    else
+      bytes += sizeIn(sizes, outcome);
   }
   Counts counts = countsOf(errand, outcomes, kManner, outcomes.all().size());
   counts.bytes = bytes;
@@ -155,9 +159,8 @@ ExitStatus podcastRemove(const PodcastRemoveOptions& options, const Errand& erra
   // From here on in order: an interrupt comes between two episodes, and their index is written.
   auto showDeleted = [&errand, &sizes](const ItemOutcome& outcome) {
     if (outcome.kind != Kind::Done) return;
-    ItemOutcome sized = outcome;  // a channel that goes as a whole is told without the sizes of its episodes
-    auto size = sizes.find(outcome.path.value_or(""));
-    if (size != sizes.end()) sized.bytes = size->second;
+    ItemOutcome sized = outcome;
+    sized.bytes = sizeIn(sizes, outcome);
     tell(errand, sized, "");
   };
   auto outcomes = std::make_shared<Outcomes>(errand.files(), showDeleted);

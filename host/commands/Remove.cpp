@@ -27,10 +27,6 @@ bool isVideo(Device& device, const std::string& path) {
   return device.service().checkMediaType(path) == umsservice::kMediaVideo;
 }
 
-std::string counted(size_t count, const std::string& what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
-}
-
 /// What is to go, in words; empty when nothing can.
 std::string planned(Device& device, const Contents& contents) {
   size_t files = 0, companions = 0;
@@ -44,8 +40,8 @@ std::string planned(Device& device, const Contents& contents) {
     if (isTaken && device.files().exists(companion)) ++companions;
   }
   if (files == 0) return "";
-  std::string text = counted(files, "file") + " (" + byteText(bytes) + ")";
-  return companions == 0 ? text : text + " and " + counted(companions, "subtitle file");
+  std::string text = countText(files, "file") + " (" + byteText(bytes) + ")";
+  return companions == 0 ? text : text + " and " + countText(companions, "subtitle file");
 }
 
 bool isAgreed(const RemoveOptions& options, const Errand& errand, const Objection& objection) {

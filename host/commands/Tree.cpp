@@ -1,6 +1,7 @@
 #include "commands/Tree.h"
 
 #include <algorithm>
+#include <functional>
 #include <map>
 
 #include "Amounts.h"
@@ -22,10 +23,6 @@ std::vector<std::string> textsOf(const Array& array) {
   std::vector<std::string> texts;
   for (const auto& element : array.snapshot()) texts.push_back(element.string().value_or(""));
   return texts;
-}
-
-std::string countOf(size_t count, const char* what) {
-  return std::to_string(count) + " " + what + (count == 1 ? "" : "s");
 }
 
 /// What stands before a name: the lines from the folders above, and the branch to the name itself.
@@ -56,8 +53,8 @@ class TreePrinter {
   }
 
   void showTotal() const {
-    events_.remarked(countOf(folders_, "folder") + ", " + countOf(files_, "file") + ", " + byteText(bytes_) +
-                     "\n");
+    events_.remarked(countText(folders_, "folder") + ", " + countText(files_, "file") + ", " +
+                     byteText(bytes_) + "\n");
   }
 
   bool everythingWasRead() const { return everythingWasRead_; }
@@ -136,12 +133,14 @@ class TreePrinter {
   bool everythingWasRead_ = true;
 };
 
-constexpr auto kWalk = "Looking at folders";
+/// What a walk of the service finds, while the person is told that it goes on.
+MaybeArray walked(WatchedFiles& files, const std::function<MaybeArray()>& walk) {
+  WatchedFiles::Phase phase(files, "Looking at folders");
+  return walk();
+}
 
 void showVolumes(const Errand& errand, WatchedFiles& files, Device& device, TreePrinter& printer) {
-  files.setPhase(kWalk);
-  auto trees = device.service().getDeviceAllFolderLists();
-  files.setPhase(nullptr);
+  auto trees = walked(files, [&] { return device.service().getDeviceAllFolderLists(); });
   for (const Device::Volume& volume : device.volumes()) {
     errand.events().shown(volumeHeadline(volume));
     auto tree = trees ? trees->at(volume.index).dictionary() : std::nullopt;
@@ -159,9 +158,7 @@ ExitStatus tree(const TreeOptions& options, const Errand& errand) {
   if (options.folder) {
     std::string root = withoutTrailingSlashes(absolutePath(*options.folder));
     errand.events().remarked(escaped(*options.folder) + "\n");
-    files->setPhase(kWalk);
-    auto folders = device.service().recursiveFolderLists(root);
-    files->setPhase(nullptr);
+    auto folders = walked(*files, [&] { return device.service().recursiveFolderLists(root); });
     printer.show(root, *folders);
   } else {
     showVolumes(errand, *files, device, printer);

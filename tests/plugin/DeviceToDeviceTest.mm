@@ -181,7 +181,7 @@ TEST_F(ToABundleService, TheGoodFilesOfAnOddListArrive) {
 }
 
 TEST_F(ToABundleService, ACancelStopsTheCopy) {
-  onEach([&](NSNotification* notification) {
+  Hearing hearing = onEach([&](NSNotification* notification) {
     if ([[notification name] isEqualToString:kItemResult]) [service cancelFileAction:31];
   });
   ASSERT_TRUE(copyTo(@"location-2", [NSArray arrayWithObjects:song("a.mp3"), song("b.mp3"), nil]));
@@ -199,7 +199,7 @@ TEST_F(ToABundleService, AVolumeOrADeviceThatIsNotThereIsRefused) {
 TEST_F(ToABundleService, TheDeviceMayGoWhileItIsWrittenTo) {
   UMSService* gone = takeOver(other);
   std::atomic<bool> letGo = false;
-  onEach([&](NSNotification* notification) {
+  Hearing hearing = onEach([&](NSNotification* notification) {
     if (![[notification name] isEqualToString:kItemResult] || letGo.exchange(true)) return;
     [delegate->services removeAllObjects];
     [gone release];
@@ -211,7 +211,7 @@ TEST_F(ToABundleService, TheDeviceMayGoWhileItIsWrittenTo) {
 
 TEST_F(ToABundleService, ACancelStopsAFileInTheMiddle) {
   NSDictionary* large = content(sandbox.patternFile("internal/Music/large.mp3", 3000000), "large.mp3");
-  onEach([&](NSNotification* notification) {
+  Hearing hearing = onEach([&](NSNotification* notification) {
     if ([[notification name] isEqualToString:kProgress]) [service cancelFileAction:31];
   });
   ASSERT_TRUE(copyTo(@"location-2", [NSArray arrayWithObject:large]));

@@ -36,29 +36,6 @@ static void raise(NSString* what) {
 static int attempts;
 static std::atomic<bool> isFrail;
 
-/// A dictionary that raises at every look, once it has become frail.
-@interface FrailDictionary : NSDictionary {
- @public
-  NSDictionary* contents;
-}
-@end
-@implementation FrailDictionary
-- (void)dealloc {
-  [contents release];
-  [super dealloc];
-}
-- (NSUInteger)count {
-  return [contents count];
-}
-- (id)objectForKey:(id)key {
-  if (isFrail) raise(@"a frail dictionary");
-  return [contents objectForKey:key];
-}
-- (NSEnumerator*)keyEnumerator {
-  return [contents keyEnumerator];
-}
-@end
-
 /// A dictionary that calls itself mutable and is not.
 @interface FrozenDictionary : NSMutableDictionary {
  @public
@@ -85,6 +62,17 @@ static std::atomic<bool> isFrail;
 }
 - (void)removeObjectForKey:(id)key {
   raise(@"a frozen dictionary");
+}
+@end
+
+/// One that raises at every look besides, once it has become frail.
+@interface FrailDictionary : FrozenDictionary {
+}
+@end
+@implementation FrailDictionary
+- (id)objectForKey:(id)key {
+  if (isFrail) raise(@"a frail dictionary");
+  return [super objectForKey:key];
 }
 @end
 
@@ -224,14 +212,15 @@ TEST_F(Exceptions, OfAListGoToTheHostThatAsksItself) {
 
 TEST_F(Exceptions, OfWhatIsLookedAtAgainOnTheWayOutEndItsRequestOnce) {
   isFrail = false;
-  onEach([](NSNotification* posted) {
-    if ([[posted name] isEqualToString:kItemResult]) isFrail = true;
-  });
   FrailDictionary* frail = [[[FrailDictionary alloc] init] autorelease];
   frail->contents = [[NSDictionary alloc] initWithDictionary:song];
-  ASSERT_TRUE(copy(1, [NSArray arrayWithObjects:song, frail, nil]));
-  ASSERT_TRUE(eventually([&] { return [resultOf(1) count] > 0; }));
-  onEach([](NSNotification*) {});
+  {
+    Hearing hearing = onEach([](NSNotification* posted) {
+      if ([[posted name] isEqualToString:kItemResult]) isFrail = true;
+    });
+    ASSERT_TRUE(copy(1, [NSArray arrayWithObjects:song, frail, nil]));
+    ASSERT_TRUE(eventually([&] { return [resultOf(1) count] > 0; }));
+  }
   EXPECT_EQ(number(lastOf(kProgress, 1), @"Max"), 2) << "told by the run, which knows its files";
   expectEndAndAGoodWorker(1);
 }

@@ -14,10 +14,12 @@
 #include "Sandbox.h"
 #import "UMSServiceBundle/UMSServicePrivate.h"
 
+struct EarState;
+
 /// Keeps notifications in the order in which they came.
 @interface NotificationEar : NSObject {
  @public
-  struct EarState* _state;
+  EarState* _state;
 }
 /// Those of one name, or all for nil.
 - (NSArray*)named:(NSString*)name;
@@ -62,6 +64,19 @@ long long number(NSDictionary* dictionary, NSString* key);
 /// Looks at a condition until it holds; false after ten seconds.
 bool eventually(const std::function<bool()>& condition);
 
+/// As long as it lives, a handler hears. It ends when no thread is inside the handler any more, so what the
+/// handler refers to may be declared before it and go after it.
+class [[nodiscard]] Hearing {
+ public:
+  explicit Hearing(EarState* state) : state_(state) {}
+  ~Hearing();
+  Hearing(const Hearing&) = delete;
+  Hearing& operator=(const Hearing&) = delete;
+
+ private:
+  EarState* const state_;
+};
+
 class HostTest : public ::testing::Test {
  protected:
   HostTest();
@@ -74,7 +89,7 @@ class HostTest : public ::testing::Test {
   /// Takes a service out of the fixture's hands: the caller releases it.
   UMSService* takeOver(UMSService* service);
   /// Runs the handler on the posting thread, after the notification was kept.
-  void onEach(std::function<void(NSNotification*)> handler);
+  Hearing onEach(std::function<void(NSNotification*)> handler);
 
   NSAutoreleasePool* const pool_ = [[NSAutoreleasePool alloc] init];
   Sandbox sandbox;

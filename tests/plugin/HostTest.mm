@@ -17,6 +17,7 @@ struct EarState {
   std::condition_variable arrived;
   std::vector<NSNotification*> notifications;
   std::shared_ptr<EarHandler> handler;
+  int inside = 0;  ///< threads in the handler
 
   NSUInteger count(NSString* name) const {
     return static_cast<NSUInteger>(
@@ -24,6 +25,20 @@ struct EarState {
                       [name](auto* each) { return !name || [[each name] isEqualToString:name]; }));
   }
 };
+
+namespace {
+
+/// A thread is inside the handler, however the handler ends.
+struct Inside {
+  EarState& state;
+  ~Inside() {
+    std::lock_guard lock(state.mutex);
+    --state.inside;
+    state.arrived.notify_all();
+  }
+};
+
+}  // namespace
 
 @implementation NotificationEar
 
@@ -51,8 +66,10 @@ struct EarState {
     std::lock_guard lock(_state->mutex);
     _state->notifications.push_back([notification retain]);
     handler = _state->handler;
+    ++_state->inside;
   }
   _state->arrived.notify_all();
+  Inside inside{*_state};
   if (handler) handler->run(notification);
 }
 
@@ -190,9 +207,16 @@ UMSService* HostTest::takeOver(UMSService* service) {
   return service;
 }
 
-void HostTest::onEach(std::function<void(NSNotification*)> handler) {
+Hearing HostTest::onEach(std::function<void(NSNotification*)> handler) {
   std::lock_guard lock(ear->_state->mutex);
   ear->_state->handler = std::make_shared<EarHandler>(EarHandler{std::move(handler)});
+  return Hearing(ear->_state);
+}
+
+Hearing::~Hearing() {
+  std::unique_lock lock(state_->mutex);
+  state_->handler = nullptr;
+  state_->arrived.wait(lock, [this] { return state_->inside == 0; });
 }
 
 }  // namespace umsplugin::testing

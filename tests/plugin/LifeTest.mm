@@ -185,7 +185,7 @@ TEST_F(Life, EndsInAHandlerOnTheWorker) {
   UMSService* service = takeOver(makeDevice());
   std::atomic<bool> released = false;
   const size_t threads = threadCount();
-  onEach([&](NSNotification* notification) {
+  Hearing hearing = onEach([&](NSNotification* notification) {
     if (![[notification name] isEqualToString:kItemResult] || released.exchange(true)) return;
     [service release];
   });
@@ -201,7 +201,7 @@ TEST_F(Life, EndsInAHandlerOnTheWorker) {
 TEST_F(Life, EndsInAHandlerOfACallOfTheHost) {
   UMSService* service = takeOver(makeDevice());
   bool released = false;
-  onEach([&](NSNotification*) {
+  Hearing hearing = onEach([&](NSNotification*) {
     if (!std::exchange(released, true)) [service release];
   });
   _serviceinfo record = {};
@@ -244,7 +244,7 @@ TEST_F(Life, EndsInTheMiddleOfARun) {
 TEST_F(Life, OfAnObjectAutoreleasedInAHandlerEndsWithTheCallback) {
   UMSService* service = makeDevice();
   mayfliesGone = 0;
-  onEach([](NSNotification*) { [[[Mayfly alloc] init] autorelease]; });
+  Hearing hearing = onEach([](NSNotification*) { [[[Mayfly alloc] init] autorelease]; });
   ASSERT_TRUE([service copyContentsMacToDevice:1 contents:songs(1) mediaType:1 storageIndex:0]);
   ASSERT_TRUE([ear waitFor:kUmsResult count:1]);
   EXPECT_TRUE(eventually([] { return mayfliesGone == 4; })) << mayfliesGone;
@@ -265,7 +265,7 @@ TEST_F(Life, NeverWantsForAPool) {
 TEST_F(Life, GoesOnAfterAnExceptionOfAHandler) {
   UMSService* service = makeDevice();
   std::atomic<bool> raised = false;
-  onEach([&](NSNotification*) {
+  Hearing hearing = onEach([&](NSNotification*) {
     if (!raised.exchange(true)) [NSException raise:@"TestException" format:@"raised by a handler"];
   });
   ASSERT_TRUE([service copyContentsMacToDevice:1 contents:songs(1) mediaType:1 storageIndex:0]);

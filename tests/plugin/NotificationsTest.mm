@@ -139,7 +139,7 @@ TEST_F(Notifications, OfACopyComeInOrderWithTheirKeys) {
 TEST_F(Notifications, ComeOnOneThreadOfTheServiceThatTheRuntimeKnows) {
   std::vector<NSThread*> threads;
   std::atomic<size_t> seen = 0;
-  onEach([&](NSNotification*) {
+  Hearing hearing = onEach([&](NSNotification*) {
     NSThread* current = [NSThread currentThread];
     [[current threadDictionary] setObject:@"seen" forKey:@"test"];
     threads.push_back([current retain]);

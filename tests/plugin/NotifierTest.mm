@@ -146,7 +146,7 @@ TEST_F(Notifier, MayBeCalledAndReleasedByAHandler) {
   notifier = [notifier init];
   [notifier setMaxTransferFileCount:5];
   unsigned int seen = 0;
-  onEach([&](NSNotification*) {
+  Hearing hearing = onEach([&](NSNotification*) {
     seen = [notifier maxTransferFileCount];
     [notifier release];
   });

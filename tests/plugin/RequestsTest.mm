@@ -127,7 +127,7 @@ TEST_F(Requests, GiveTheirContentsBackWhenTheyHaveRun) {
 
 TEST_F(Requests, AreCancelledWhileTheyWait) {
   std::atomic<bool> queued = false;
-  onEach([&](NSNotification* notification) {
+  Hearing hearing = onEach([&](NSNotification* notification) {
     if (![[notification name] isEqualToString:kItemResult]) return;
     eventually([&] { return queued.load(); });
     [service cancelFileAction:2];

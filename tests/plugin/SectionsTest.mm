@@ -16,7 +16,7 @@ class Sections : public HostTest {
 TEST_F(Sections, OfAServiceKeepsItsLongOperationsOut) {
   std::atomic<bool> held = true;
   std::atomic<bool> ranInside = false;
-  onEach([&](NSNotification*) { ranInside = ranInside || held; });
+  Hearing hearing = onEach([&](NSNotification*) { ranInside = ranInside || held; });
   @synchronized(service) {
     ASSERT_TRUE([service copyContentsMacToDevice:1 contents:contents mediaType:1 storageIndex:0]);
     std::this_thread::sleep_for(std::chrono::milliseconds(30));
@@ -32,7 +32,7 @@ TEST_F(Sections, OfAServiceIsHeldByItsLongOperations) {
   std::atomic<bool> overlapped = false;
   std::atomic<bool> entered = false;
   std::thread other;
-  onEach([&](NSNotification* notification) {
+  Hearing hearing = onEach([&](NSNotification* notification) {
     if (![[notification name] isEqualToString:kItemResult]) return;
     inside = true;
     other = std::thread([&] {
@@ -93,7 +93,7 @@ TEST_F(Sections, OfANotifierKeepsItsStepsOut) {
   [notifier setMaxTransferFileCount:5];
   std::atomic<bool> held = true;
   std::atomic<bool> postedInside = false;
-  onEach([&](NSNotification*) { postedInside = held.load(); });
+  Hearing hearing = onEach([&](NSNotification*) { postedInside = held.load(); });
   std::thread other;
   @synchronized(notifier) {
     other = std::thread([&] { [notifier incCurrentTransferFileCount]; });

@@ -1,7 +1,6 @@
 #include "Dispatcher.h"
 
 #include <cerrno>
-#include <mutex>
 
 #include "RequestGuard.h"
 #include "StoppedRun.h"
@@ -165,9 +164,7 @@ Dispatcher::Outcome Dispatcher::diskSpace(const _serviceinfo& serviceInfo, uint6
 }
 
 Dispatcher::Outcome Dispatcher::runLongOperation(const _serviceinfo& serviceInfo) {
-  context_.workerEnd.waitsForSection(true);
-  std::lock_guard<SynchronizedObject> section(context_.synchronizedSection());
-  context_.workerEnd.waitsForSection(false);
+  auto section = context_.workerEnd.enter(context_.synchronizedSection());
   if (chosenOperation(serviceInfo)) return {.success = true};
   return {.errorNumber = kErrorOperationFailed};
 }

@@ -1,6 +1,5 @@
 #include "RequestQueue.h"
 
-#include <mutex>
 #include <thread>
 
 #include "OnException.h"
@@ -103,9 +102,7 @@ bool RequestQueue::emptyQueue(uint32_t serviceID) {
 
 std::vector<RequestQueue::Cancelled> RequestQueue::takeCancelled() {
   std::vector<Cancelled> cancelled;
-  context_.workerEnd.waitsForSection(true);
-  std::lock_guard<SynchronizedObject> oneWalkAtATime(context_.classSection());
-  context_.workerEnd.waitsForSection(false);
+  auto oneWalkAtATime = context_.workerEnd.enter(context_.classSection());
   size_t count = context_.cancelList.count();
   // The index advances after a removal too, so an entry that moved up waits for the next walk.
   for (size_t i = 0; i < count; ++i) {

@@ -1,13 +1,15 @@
 /// Where the service's own worker stands, for the thread that ends the service and waits for it.
 ///
-/// The worker says when it has to wait for the service's section. The host may be holding that section just
-/// while it lets go of the service: waiting for such a worker would be waiting for oneself.
+/// The worker says when it has to wait for a section. The host may be holding that section just while it lets
+/// go of the service: waiting for such a worker would be waiting for oneself.
 #pragma once
 
 #include <chrono>
+#include <mutex>
 #include <thread>
 
 #include "Mutex.h"
+#include "umsservice/SynchronizedObject.h"
 
 namespace umsservice {
 
@@ -21,8 +23,14 @@ class WorkerEnd {
   /// The worker has left its loop.
   void reached() { set(&WorkerEnd::isReached_, true); }
 
-  /// Around the wait for the section; says nothing on other threads, which nobody waits for.
-  void waitsForSection(bool waits) { set(&WorkerEnd::waitsForSection_, waits); }
+  /// Takes a section that the host may hold; on other threads than the worker, which nobody waits for, no
+  /// more than that.
+  [[nodiscard]] std::unique_lock<SynchronizedObject> enter(SynchronizedObject& section) {
+    set(&WorkerEnd::waitsForSection_, true);
+    std::unique_lock<SynchronizedObject> entered(section);
+    set(&WorkerEnd::waitsForSection_, false);
+    return entered;
+  }
 
   /// Waits until the worker is at its end. False when it stands before the section of somebody who does not
   /// give it back.
