@@ -46,6 +46,7 @@ TEST_F(Interrupting, EndsCleanlyInTheMiddleOfTheList) {
 TEST_F(Interrupting, EndsAtOnceTheSecondTime) {
   RunningProgram program(pushingMany(), {.smallOutputPipe = true});
   program.waitForOutput("\n");
+  program.fillOutput();
   program.sendSignal(SIGINT);
   program.waitForError("cancelling");
   program.sendSignal(SIGINT);
@@ -69,7 +70,7 @@ TEST_F(Interrupting, EndsAQuestionWithoutReplacingAnything) {
 TEST_F(Interrupting, LeavesNoHalfFileBehind) {
   std::string film = hugeFile("film.mp4");
   if (film.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
-  RunningProgram program(pushing({media("sunrise.jpg"), film}), {.atTerminal = true});
+  RunningProgram program(pushing({media("sunrise.jpg"), film}), {.atTerminal = true, .columns = kRoomy});
   program.waitForOutput("1/2  film.mp4");
   program.type("\x03");
   Ended ended = program.wait();

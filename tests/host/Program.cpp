@@ -185,6 +185,15 @@ void RunningProgram::endSlowness() {
   if (slowness_.joinable()) slowness_.join();
 }
 
+/// Through an end of its own: what does not block here must still block the program.
+void RunningProgram::fillOutput() {
+  int writing = open(("/proc/self/fd/" + std::to_string(output_)).c_str(), O_WRONLY | O_NONBLOCK | O_CLOEXEC);
+  while (write(writing, " ", 1) == 1) {
+  }
+  if (errno != EAGAIN) giveUp("cannot fill the output");
+  closeOnce(writing);
+}
+
 void RunningProgram::closeOutput() {
   closeOnce(output_);
 }

@@ -11,6 +11,9 @@
 
 namespace umsservice::testing {
 
+/// Columns in which a progress line shortens no name.
+constexpr unsigned short kRoomy = 200;
+
 /// How and where a program is started.
 struct Setting {
   bool atTerminal = false;      ///< otherwise standard output and error are two pipes
@@ -57,6 +60,8 @@ class RunningProgram {
   pid_t process() const { return process_; }
   /// From here on the program runs as on a much slower machine, until its end is waited for.
   void slowDown();
+  /// Leaves no room for another byte in the pipe of standard output.
+  void fillOutput();
   /// Takes the reader of standard output away.
   void closeOutput();
   /// Waits for the end without reading anything.

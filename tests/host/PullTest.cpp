@@ -145,7 +145,7 @@ TEST_F(Pull, EndsCleanlyInTheMiddleOfTheListWithCtrlC) {
 TEST_F(Pull, LeavesNoHalfFileBehindWithCtrlC) {
   std::string huge = hugeFile("phone/huge.mp4");
   if (huge.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
-  RunningProgram program(pulling({huge}), {.atTerminal = true});
+  RunningProgram program(pulling({huge}), {.atTerminal = true, .columns = kRoomy});
   program.waitForOutput("0/1  huge.mp4");
   program.type("\x03");
   EXPECT_EQ(program.wait().status, 130);

@@ -138,7 +138,7 @@ TEST_F(Put, WritesNothingThatDoesNotFit) {
 TEST_F(Put, LeavesNoHalfFileBehindWithCtrlC) {
   std::string large = hugeFile("large.dat");
   if (large.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
-  RunningProgram program(putting({large, phone + "/large.dat"}), {.atTerminal = true});
+  RunningProgram program(putting({large, phone + "/large.dat"}), {.atTerminal = true, .columns = kRoomy});
   program.waitForOutput("0/1  large.dat");
   program.type("\x03");
   Ended ended = program.wait();
@@ -228,7 +228,7 @@ TEST_F(Get, TellsItsPlaceWithoutDots) {
 TEST_F(Get, ShowsABarAtATerminal) {
   std::string large = sandbox.file("phone/film.mp4", "");
   ASSERT_EQ(truncate(large.c_str(), 20'000'000), 0);
-  RunningProgram program(getting({large, sandbox.at("got.mp4")}), {.atTerminal = true});
+  RunningProgram program(getting({large, sandbox.at("got.mp4")}), {.atTerminal = true, .columns = kRoomy});
   program.waitForOutput("of 20.0 MB");
   program.waitForOutput("0/1  film.mp4");
   EXPECT_EQ(program.wait().status, 0);

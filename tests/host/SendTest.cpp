@@ -152,7 +152,7 @@ TEST_F(Send, EndsCleanlyInTheMiddleOfTheListWithCtrlC) {
 TEST_F(Send, LeavesNoHalfFileBehindWithCtrlC) {
   std::string huge = hugeFile("phone/film.mp4");
   if (huge.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
-  RunningProgram program(sending({huge}), {.atTerminal = true});
+  RunningProgram program(sending({huge}), {.atTerminal = true, .columns = kRoomy});
   program.waitForOutput("0/1  film.mp4");
   program.type("\x03");
   Ended ended = program.wait();

@@ -191,7 +191,7 @@ TEST_F(Sync, LeavesNoHalfFileOnTheOtherVolumeWithCtrlC) {
   TmpfsVolume volume(phone, kMebibyte);
   std::string film = hugeFile("film.mp4");
   if (film.empty()) GTEST_SKIP() << "not enough room for a copy that takes long enough";
-  RunningProgram program(syncing({film}), {.atTerminal = true});
+  RunningProgram program(syncing({film}), {.atTerminal = true, .columns = kRoomy});
   program.waitForOutput("0/1  film.mp4");
   program.type("\x03");
   Ended ended = program.wait();
