@@ -106,6 +106,13 @@ class UMS_EXPORT FileHandle {
     (void)source, (void)size;
     return 0;
   }
+  /// Sets room for `size` bytes aside, from the current position on, so that they come to lie together. The
+  /// file does not get longer by it; room that is not written to stays with it until `truncate`. False where
+  /// the system cannot, which changes nothing for what is written.
+  virtual bool reserve(uint64_t size) {
+    (void)size;
+    return false;
+  }
   /// Cuts the file to `size` bytes.
   virtual FileStatus truncate(uint64_t size) = 0;
   /// Asks the device to keep what was written.

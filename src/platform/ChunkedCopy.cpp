@@ -9,6 +9,10 @@ namespace {
 /// Large enough that system calls do not show beside the copying itself.
 constexpr size_t kPhysicalBlock = 256 * 1024;
 
+/// Room that is set aside at a time: much, so that a large file is in few pieces on the device, and little
+/// enough that nobody who cancels waits for it.
+constexpr uint64_t kReserved = 16 * 1024 * 1024;
+
 struct Block {
   size_t length = 0;
   std::optional<FileError> error;  ///< why it is shorter than asked for
@@ -39,8 +43,10 @@ class Walk {
 
   ChunkedCopyResult run(FileHandle& source, FileHandle& destination) {
     try {
-      while (result_.end == ChunkedCopyResult::End::Complete && result_.copied < size_ && asked())
+      while (result_.end == ChunkedCopyResult::End::Complete && result_.copied < size_ && asked()) {
+        reserveRoom(destination);
         copyBlock(source, destination, blockAt(result_.copied));
+      }
     } catch (...) {  // out of a handler of the host's
       cutToAccounted(destination);
       throw;
@@ -51,7 +57,15 @@ class Walk {
 
  private:
   void cutToAccounted(FileHandle& destination) const {
-    if (written_ > result_.copied) (void)destination.truncate(result_.copied);
+    if (std::max(written_, reserved_) > result_.copied) (void)destination.truncate(result_.copied);
+  }
+
+  /// A file of one block is in one piece anyway. What could not be set aside as a whole may be so in part.
+  void reserveRoom(FileHandle& destination) {
+    if (!systemReserves_ || size_ <= kPhysicalBlock || written_ < reserved_) return;
+    const uint64_t wanted = std::min(size_ - written_, kReserved);
+    systemReserves_ = destination.reserve(wanted);
+    reserved_ = written_ + wanted;
   }
 
   size_t blockAt(uint64_t position) const {
@@ -120,7 +134,9 @@ class Walk {
   const std::function<bool()>& mayGoOn_;
   const std::function<bool(uint64_t)>& report_;
   uint64_t written_ = 0;
+  uint64_t reserved_ = 0;    ///< the end of the room that was asked for
   bool systemMoves_ = true;  ///< until it does not
+  bool systemReserves_ = true;
   std::unique_ptr<std::byte[]> buffer_;
   ChunkedCopyResult result_;
 };

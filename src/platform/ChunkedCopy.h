@@ -3,7 +3,8 @@
 ///
 /// Accounting goes in units of 4096 bytes: before each unit the caller is asked whether to go on, after each
 /// it hears the running count. Physical reads and writes are larger. Whenever a copy ends early, exactly the
-/// units that were accounted for stay in the destination. Memory stays flat for files of any size.
+/// units that were accounted for stay in the destination, and no room set aside for more. Memory stays flat
+/// for files of any size.
 #pragma once
 
 #include <functional>

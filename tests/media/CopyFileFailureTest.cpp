@@ -224,13 +224,25 @@ TEST_F(CopyFileFailure, WhenTheDiskFillsInMidCopyIsTheExceptionNotAFullVolume) {
   const std::string from = sandbox.patternFile("in/a.mp3", 600'000);
   files.setFault([&](FileCall call, const std::string& path) {
     // Somebody else takes the room that was there when it was asked for.
-    if (call == FileCall::Write && path == to) volume.fillUpTo(25 * 4096);
+    if (call == FileCall::Reserve && path == to) volume.fillUpTo(25 * 4096);
     return 0;
   });
   EXPECT_FALSE(copy(from, to));
   EXPECT_EQ(number(), kErrorCopyFailed);
   EXPECT_TRUE(log.has("Reason :" + words(ENOSPC)));
-  EXPECT_EQ(bytesOf(to), bytesOf(from).substr(0, 25 * 4096));
+  EXPECT_TRUE(bytesOf(to) == bytesOf(from).substr(0, 25 * 4096));
+}
+
+TEST_F(CopyFileFailure, NeverComesOfOthersWhoFillTheDiskOnceItHasSetItsRoomAside) {
+  REQUIRE_TMPFS_VOLUMES();
+  TmpfsVolume volume(internal, 1 << 20);
+  const std::string from = sandbox.patternFile("in/a.mp3", 600'000);
+  files.setFault([&](FileCall call, const std::string& path) {
+    if (call == FileCall::Write && path == to) volume.fillUpTo(4096);
+    return 0;
+  });
+  EXPECT_TRUE(copy(from, to));
+  EXPECT_TRUE(bytesOf(to) == bytesOf(from));
 }
 
 }  // namespace

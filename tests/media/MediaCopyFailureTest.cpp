@@ -161,7 +161,7 @@ TEST_F(MediaCopyFailure, WhenTheDiskFillsInMidCopyGoesOnWithTheNext) {
   REQUIRE_TMPFS_VOLUMES();
   TmpfsVolume volume(internal, 1 << 20);
   files.setFault([&](FileCall call, const std::string& path) {
-    if (call == FileCall::Write && path.ends_with("large.mp3")) volume.fillUpTo(10 * 4096);
+    if (call == FileCall::Reserve && path.ends_with("large.mp3")) volume.fillUpTo(10 * 4096);
     return 0;
   });
   const std::string large = sandbox.patternFile("in/large.mp3", 600'000);

@@ -11,6 +11,8 @@ using End = ChunkedCopyResult::End;
 
 /// What the engine reads and writes at once.
 inline constexpr uint64_t kBlock = 256 * 1024;
+/// The room that the engine sets aside at a time.
+inline constexpr uint64_t kRoom = 16 * 1024 * 1024;
 
 class ChunkedCopyTest : public ::testing::Test {
  protected:

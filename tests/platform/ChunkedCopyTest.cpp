@@ -1,3 +1,5 @@
+#include <cerrno>
+
 #include "ChunkedCopyRun.h"
 
 namespace umsservice::testing {
@@ -85,6 +87,43 @@ TEST_F(ChunkedCopies, MoveManyUnitsWithEachSystemCall) {
   EXPECT_EQ(files.count(FileCall::Read), 4u);
   EXPECT_EQ(files.count(FileCall::Write), 4u);
   EXPECT_EQ(files.count(FileCall::Truncate), 0u);
+}
+
+TEST_F(ChunkedCopies, SetRoomAsideForALargeFileAndAskForMoreWhereItEnds) {
+  const uint64_t size = kRoom + kRoom / 2;
+  onReport = [&](uint64_t copied) {
+    if (copied == kCopyUnit || copied == kRoom) EXPECT_EQ(files.count(FileCall::Reserve), 1u);
+  };
+  run(size);
+  EXPECT_EQ(result.end, End::Complete);
+  EXPECT_EQ(files.count(FileCall::Reserve), 2u);
+  expectPrefix(size, bytesOf(source));
+  EXPECT_LT(bytesOnDisk(copy), size + kBlock) << "no more than it needs";
+}
+
+TEST_F(ChunkedCopies, SetNoRoomAsideForAFileOfOneBlock) {
+  run(kBlock);
+  EXPECT_EQ(files.count(FileCall::Reserve), 0u);
+}
+
+TEST_F(ChunkedCopies, AskOnceForRoomThatTheSystemDoesNotGive) {
+  files.failAlways(FileCall::Reserve, "copy", EOPNOTSUPP);
+  run(2 * kRoom);
+  EXPECT_EQ(result.end, End::Complete);
+  EXPECT_EQ(files.count(FileCall::Reserve), 1u);
+  expectPrefix(2 * kRoom, bytesOf(source));
+}
+
+TEST_F(ChunkedCopies, GiveTheRoomBackThatAStopLeavesOver) {
+  for (bool inside : {false, true}) {
+    insideSystem = inside;
+    asks = 0;
+    stopBeforeUnit = kBlock / kCopyUnit + 1;  // where nothing written is to be cut off
+    run(kRoom);
+    EXPECT_EQ(result.end, End::Stopped);
+    expectPrefix(kBlock, bytesOf(source));
+    EXPECT_LT(bytesOnDisk(copy), 2 * kBlock);
+  }
 }
 
 TEST_F(ChunkedCopies, StopAtTheSizeTheyWereGivenWhenTheSourceGrows) {

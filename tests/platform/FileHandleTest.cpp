@@ -62,6 +62,20 @@ TEST_F(FileHandles, CopyFromEachOtherAtTheirPositions) {
   EXPECT_EQ(source->copyFrom(*copy, 1), 0u) << "into a file that is only read";
 }
 
+TEST_F(FileHandles, SetRoomAsideWithoutGettingLonger) {
+  constexpr uint64_t kRoom = 1 << 20;
+  auto file = created(sandbox.at("file"));
+  EXPECT_EQ(file->write("abc", 3).written, 3u);
+  const bool isSetAside = file->reserve(kRoom);
+  EXPECT_EQ(bytesOf(sandbox.at("file")), "abc");
+  EXPECT_EQ(bytesOnDisk(sandbox.at("file")) >= kRoom, isSetAside);
+  EXPECT_EQ(file->write("de", 2).written, 2u);
+  EXPECT_TRUE(file->truncate(5));
+  EXPECT_LT(bytesOnDisk(sandbox.at("file")), kRoom);
+  EXPECT_EQ(bytesOf(sandbox.at("file")), "abcde");
+  EXPECT_FALSE(opened(sandbox.at("file"))->reserve(10)) << "of a file that is only read";
+}
+
 TEST_F(FileHandles, AreMadeNewOnlyWhereNothingIs) {
   EXPECT_TRUE(files.createNewFile(sandbox.at("new")));
   sandbox.file("old", "old");

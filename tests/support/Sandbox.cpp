@@ -142,6 +142,11 @@ std::string bytesOf(const std::string& path) {
   return bytes;
 }
 
+uint64_t bytesOnDisk(const std::string& path) {
+  struct stat status {};
+  return lstat(path.c_str(), &status) == 0 ? static_cast<uint64_t>(status.st_blocks) * 512 : 0;
+}
+
 bool exists(const std::string& path) {
   struct stat status {};
   return lstat(path.c_str(), &status) == 0;

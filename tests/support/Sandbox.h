@@ -69,6 +69,8 @@ class WithoutRootPowers {
 };
 
 std::string bytesOf(const std::string& path);
+/// The room that a file takes up on its volume.
+uint64_t bytesOnDisk(const std::string& path);
 bool exists(const std::string& path);
 /// Every file and folder below a folder, relative and sorted; folders end with "/".
 std::vector<std::string> treeOf(const std::string& folder);

@@ -26,6 +26,9 @@ class FaultyHandle final : public FileHandle {
     outcome.error = faultAt(number, FileError::Action::Writing, path_);
     return outcome;
   }
+  bool reserve(uint64_t size) override {
+    return files_.faultOf(FileCall::Reserve, path_) == 0 && real_->reserve(size);
+  }
   FileStatus truncate(uint64_t size) override {
     if (int number = files_.faultOf(FileCall::Truncate, path_))
       return faultAt(number, FileError::Action::Writing, path_);

@@ -25,6 +25,7 @@ enum class FileCall {
   SyncVolume,
   Read,
   Write,
+  Reserve,
   Truncate,
   Sync,
   Close,

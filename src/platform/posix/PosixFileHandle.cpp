@@ -9,6 +9,7 @@
 #include <limits>
 
 #include "CopyRange.h"
+#include "ReserveRange.h"
 #include "Retry.h"
 
 namespace umsservice {
@@ -69,6 +70,10 @@ size_t PosixFileHandle::copyFrom(FileHandle& source, size_t size) {
   if (length <= 0) return 0;
   position_ += static_cast<uint64_t>(length);
   return static_cast<size_t>(length);
+}
+
+bool PosixFileHandle::reserve(uint64_t size) {
+  return size <= room() && retried([&] { return reserveRange(descriptor_, position_, size); }) == 0;
 }
 
 FileStatus PosixFileHandle::truncate(uint64_t size) {

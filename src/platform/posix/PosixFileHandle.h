@@ -16,6 +16,7 @@ class PosixFileHandle final : public FileHandle {
   FileResult<size_t> read(void* buffer, size_t size) override;
   WriteOutcome write(const void* buffer, size_t size) override;
   size_t copyFrom(FileHandle& source, size_t size) override;
+  bool reserve(uint64_t size) override;
   FileStatus truncate(uint64_t size) override;
   FileStatus sync() override;
   FileStatus close() override;
