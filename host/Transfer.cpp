@@ -2,6 +2,7 @@
 
 #include <numeric>
 
+#include "Flushing.h"
 #include "Paths.h"
 #include "PhaseLine.h"
 #include "Planning.h"
@@ -187,20 +188,8 @@ std::map<size_t, std::string> Transfer::verify() {
 bool Transfer::flushAll(const std::vector<WrittenPlace>& written) {
   if (outcomes_->count(ItemOutcome::Kind::Done) == 0) return true;  // there is nothing that could be lost
   display_.announce(kFlushing);
-  bool isKept = true;
-  for (const WrittenPlace& place : written) isKept = flush(place.path) && isKept;
-  return isKept;
-}
-
-/// Files that are only in the computer's memory are lost when the cable is pulled.
-bool Transfer::flush(const std::string& folder) {
-  auto answer = [] { answerInterrupt("the device is still writing"); };
-  InterruptAction waiting(interrupt_, wasCancelled_ ? std::function<void()>() : answer);
-  auto flushed = device_.files().syncVolume(folder);
-  if (flushed) return true;
-  display_.stepAside(
-      [&] { errand_.events().complained(folder, "it may not be written yet: " + flushed.error().words()); });
-  return false;
+  return flush(errand_, device_.files(), written, wasCancelled_,
+               [this](const std::function<void()>& speak) { display_.stepAside(speak); });
 }
 
 }  // namespace umsctl

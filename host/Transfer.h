@@ -74,7 +74,6 @@ class Transfer {
   ExitStatus conclude(const std::vector<WrittenPlace>& written);
   std::map<size_t, std::string> verify();
   bool flushAll(const std::vector<WrittenPlace>& written);
-  bool flush(const std::string& folder);
 
   // In the order of need: the service goes first, then what its worker may still be calling.
   const Errand& errand_;

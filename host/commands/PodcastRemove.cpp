@@ -1,5 +1,6 @@
 #include "commands/PodcastRemove.h"
 
+#include <functional>
 #include <map>
 #include <numeric>
 #include <set>
@@ -7,9 +8,11 @@
 #include "Amounts.h"
 #include "Consent.h"
 #include "EscapedName.h"
+#include "Flushing.h"
 #include "Interrupt.h"
 #include "Outcomes.h"
 #include "Paths.h"
+#include "PhaseLine.h"
 #include "Planning.h"
 #include "Refusal.h"
 #include "TransferReport.h"
@@ -134,14 +137,14 @@ bool removed(Device& device, const Device::Volume& volume, const std::string& po
   return device.service().doDeletePodcastContents(request);
 }
 
-bool flushed(const Errand& errand, Device& device, const Device::Volume& volume) {
+bool flushed(const Errand& errand, Device& device, const Device::Volume& volume, bool wasCancelled) {
   PhaseLine phase(errand.wishes());
   phase.announce(kFlushing);
-  auto flushed = device.files().syncVolume(volume.path);
-  phase.erase();
-  if (!flushed)
-    errand.events().complained(volume.path, "it may not be written yet: " + flushed.error().words());
-  return static_cast<bool>(flushed);
+  return flush(errand, device.files(), {writtenVolume(volume)}, wasCancelled,
+               [&phase](const std::function<void()>& speak) {
+                 phase.erase();
+                 speak();
+               });
 }
 
 }  // namespace
@@ -179,7 +182,7 @@ ExitStatus podcastRemove(const PodcastRemoveOptions& options, const Errand& erra
     errand.events().complained(channel.folder, options.episodes.empty()
                                                    ? "the channel cannot be removed"
                                                    : "the index of the channel cannot be written");
-  isDone = (errand.rehearsal() || flushed(errand, device, volume)) && isDone;
+  isDone = (errand.rehearsal() || flushed(errand, device, volume, wasCancelled)) && isDone;
   ExitStatus status = reported(errand, device, *outcomes, sizes, isDone, wasCancelled);
   if (errand.rehearsal()) tellPlan();
   return status;

@@ -1,5 +1,6 @@
 #include "podcast/PodcastTransfer.h"
 
+#include "Flushing.h"
 #include "PhaseLine.h"
 #include "Planning.h"
 #include "Refusal.h"
@@ -35,9 +36,7 @@ ExitStatus PodcastTransfer::run(const Queue& queue, const std::vector<WrittenPla
   if (!isRehearsed) errand_.events().planned(planOf(errand_, items_.sizes, written));
   display_.begin();
   perform(queue);
-  bool isKept = true;
-  if (!isRehearsed) display_.announce(kFlushing);
-  for (const WrittenPlace& place : written) isKept = flush(place.path) && isKept;
+  const bool isKept = isRehearsed || flushAll(written);
   const auto mismatches = verify();
   display_.finish();
   ExitStatus status =
@@ -96,6 +95,12 @@ void PodcastTransfer::perform(const Queue& queue) {
   wasCancelled_ = interrupt_.happened();
 }
 
+bool PodcastTransfer::flushAll(const std::vector<WrittenPlace>& written) {
+  display_.announce(kFlushing);
+  return flush(errand_, device_.files(), written, wasCancelled_,
+               [this](const std::function<void()>& speak) { display_.stepAside(speak); });
+}
+
 /// Only now: what is compared must have been on the device.
 std::map<size_t, std::string> PodcastTransfer::verify() {
   if (!errand_.wishes().verifies || errand_.rehearsal()) return {};
@@ -105,17 +110,6 @@ std::map<size_t, std::string> PodcastTransfer::verify() {
   wasCancelled_ = interrupt_.happened();
   if (wasCancelled_) interrupt_.settle();
   return mismatches;
-}
-
-/// Files that are only in the computer's memory are lost when the cable is pulled.
-bool PodcastTransfer::flush(const std::string& folder) {
-  auto answer = [] { answerInterrupt("the device is still writing"); };
-  InterruptAction waiting(interrupt_, wasCancelled_ ? std::function<void()>() : answer);
-  auto flushed = device_.files().syncVolume(folder);
-  if (flushed) return true;
-  display_.stepAside(
-      [&] { errand_.events().complained(folder, "it may not be written yet: " + flushed.error().words()); });
-  return false;
 }
 
 }  // namespace umsctl

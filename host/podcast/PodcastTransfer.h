@@ -36,7 +36,7 @@ class PodcastTransfer {
   void itemCounted(const umsservice::ItemOutcome& outcome);
   umsservice::Array settleHopelessChannels(std::vector<size_t>& positions);
   void perform(const Queue& queue);
-  bool flush(const std::string& folder);
+  bool flushAll(const std::vector<WrittenPlace>& written);
   std::map<size_t, std::string> verify();
 
   // In the order of need: the service goes first, then what its worker may still be calling.
