@@ -112,7 +112,7 @@ TEST_F(List, ShowsVolumesAndTotalsAtATerminal) {
   Ended ended = umsctl(listing({"--tags"}), {.atTerminal = true});
   EXPECT_EQ(ended.status, 0);
   EXPECT_EQ(
-      linesOf(ended.output),
+      linesOf(ended.screen()),
       (Lines{"0  internal  " + phone + "\r",
              "  music      7.4 kB  Music/boat.m4a  (Paper Boat, Demo Ensemble, Three Small Tones, 0:02)\r",
              "1  card  " + card + "\r", "  image         2 B  c.jpg\r", "2 files, 7.4 kB\r"}));

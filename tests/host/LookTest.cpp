@@ -15,7 +15,7 @@ class Screen : public HostTest {
  protected:
   Lines linesOfScreen(const std::vector<std::string>& arguments, unsigned short columns) const {
     Ended ended = umsctl(arguments, {.atTerminal = true, .columns = columns});
-    Lines lines = linesOf(ended.output);
+    Lines lines = linesOf(ended.screen());
     for (std::string& line : lines) {
       if (line.ends_with('\r')) line.pop_back();
     }
@@ -88,11 +88,12 @@ TEST_F(Screen, FitsALongListingIntoAnyTerminal) {
 TEST_F(Screen, ShowsTagsAndNamesThatDriveATerminalAsText) {
   sandbox.file("phone/Music/\x1b[31m\n.flac", songWithEvilTitle());
   for (const char* form : {"--long", "--tags"}) {
-    Ended ended =
-        umsctl({"ls", form, "--no-color", "--internal", phone}, {.atTerminal = true, .columns = 200});
-    EXPECT_EQ(ended.output.find('\x1b'), std::string::npos) << ended.output;
-    EXPECT_NE(ended.output.find("Music/\\x1b[31m\\n.flac"), std::string::npos) << ended.output;
-    EXPECT_NE(ended.output.find("\\x1b[2J\\n\\töne am Fluß"), std::string::npos) << ended.output;
+    const std::string shown =
+        umsctl({"ls", form, "--no-color", "--internal", phone}, {.atTerminal = true, .columns = 200})
+            .screen();
+    EXPECT_EQ(shown.find('\x1b'), std::string::npos) << shown;
+    EXPECT_NE(shown.find("Music/\\x1b[31m\\n.flac"), std::string::npos) << shown;
+    EXPECT_NE(shown.find("\\x1b[2J\\n\\töne am Fluß"), std::string::npos) << shown;
   }
   Ended tree = umsctl({"tree", "--no-color", phone}, {.atTerminal = true});
   EXPECT_NE(tree.output.find("└── \\x1b[31m\\n.flac  13.4 kB"), std::string::npos) << tree.output;

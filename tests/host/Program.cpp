@@ -231,6 +231,20 @@ std::string Ended::causes() const {
   return std::regex_replace(error, numberAndAdvice, "");
 }
 
+std::string Ended::screen() const {
+  const std::string erasure = "\r\x1b[K";
+  std::string shown;
+  for (size_t at = 0; at < output.size();) {
+    if (output.compare(at, erasure.size(), erasure) == 0) {
+      shown.erase(shown.rfind('\n') + 1);  // everything, where there is no line above
+      at += erasure.size();
+    } else {
+      shown += output[at++];
+    }
+  }
+  return shown;
+}
+
 Ended umsctl(const std::vector<std::string>& arguments, const Setting& setting) {
   return RunningProgram(arguments, setting).wait();
 }

@@ -37,6 +37,9 @@ struct Ended {
 
   /// What was said on standard error, without the numbers and advices of failed items.
   std::string causes() const;
+  /// What is left on a terminal's screen: lines that were drawn and erased again, as a slow machine shows
+  /// them while it looks around, are gone.
+  std::string screen() const;
 };
 
 /// A program while it runs. Waits last a minute at most; then the program is killed and the test fails.

@@ -1,5 +1,7 @@
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "EscapedName.h"
 #include "HostTest.h"
 
@@ -26,7 +28,8 @@ TEST_F(Terminal, ShowsABarAndThenTheCounts) {
   EXPECT_EQ(ended.status, 0);
   auto shown = drawings(ended.output);
   ASSERT_GE(shown.size(), 2u);
-  EXPECT_EQ(shown.front(), "[>                   ]   0%  0 B of 13.9 kB  0/2");
+  // A slow machine shows before the bar that it looks around.
+  EXPECT_EQ(std::count(shown.begin(), shown.end(), "[>                   ]   0%  0 B of 13.9 kB  0/2"), 1);
   EXPECT_EQ(shown.back(), "2 copied (13.9 kB)\r\n");
   EXPECT_EQ(ended.output.find("copied   "), std::string::npos);
 }
@@ -34,8 +37,8 @@ TEST_F(Terminal, ShowsABarAndThenTheCounts) {
 TEST_F(Terminal, ShowsTheNameOfTheFileInHand) {
   std::string film = sandbox.file("film\t.mp4", "");
   ASSERT_EQ(truncate(film.c_str(), 20'000'000), 0);
-  RunningProgram program(pushing({film}), {.atTerminal = true});
-  program.waitForOutput("of 20.0 MB  0/1  film\\t.mp4");
+  RunningProgram program(pushing({film}), {.atTerminal = true, .columns = kRoomy});
+  program.waitForOutput("  0/1  film\\t.mp4");
   EXPECT_EQ(program.wait().status, 0);
 }
 
