@@ -28,15 +28,6 @@ class ServiceExceptions : public ServiceTest {
              posted.userInfo.get(key::kTransferStatus).unsignedIntValue() == status;
     };
   }
-  /// The same copy on the test's own thread.
-  void runThree() {
-    _serviceinfo request;
-    request.serviceID = 1;
-    request.command = kCommandCopyToDevice;
-    request.mediaType = kMediaMusic;
-    request.contents = three();
-    service->doUmsFileService(&request);
-  }
   void copyThree() {
     ASSERT_TRUE(service->copyContentsMacToDevice(1, three(), kMediaMusic, 0));
     ASSERT_TRUE(notifications.waitFor(kUmsResultNotification));
@@ -122,14 +113,14 @@ TEST_F(ServiceExceptions, InACancellationOfARequestThatTheHostRunsItselfLeaveNoC
     if (isResult(posted)) service->cancelFileAction(1);
     if (hasStatus(kTransferCancelled)(posted)) throw std::runtime_error("no more");
   });
-  EXPECT_THROW(runThree(), std::runtime_error);
+  EXPECT_THROW(runCopy(three()), std::runtime_error);
   EXPECT_EQ(ends(), (std::vector<uint32_t>{kTransferCancelled}));
   EXPECT_FALSE(service->isCancelServiceId(1));
 }
 
 TEST_F(ServiceExceptions, ReachTheHostThatRunsARequestItself) {
   throwAtFirst(isResult);
-  EXPECT_THROW(runThree(), std::runtime_error);
+  EXPECT_THROW(runCopy(three()), std::runtime_error);
   EXPECT_EQ(ends(), (std::vector<uint32_t>{kTransferCancelled}));
   EXPECT_EQ(kinds(), (std::vector<Kind>{Kind::Done, Kind::NotReached, Kind::NotReached}));
 }

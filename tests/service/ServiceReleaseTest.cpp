@@ -105,12 +105,7 @@ TEST_F(ServiceRelease, InsideARequestThatTheHostRunsItselfWhileTheWorkerWaitsFor
     }));
     service.reset();
   });
-  _serviceinfo request;
-  request.serviceID = 1;
-  request.command = kCommandCopyToDevice;
-  request.mediaType = kMediaMusic;
-  request.contents = longContents();
-  service->doUmsFileService(&request);
+  runCopy(longContents());
   EXPECT_TRUE(waitForWorkersEnd());
   expectFirstReportOnly();
 }

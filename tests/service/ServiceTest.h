@@ -33,6 +33,16 @@ class ServiceTest : public DeviceTest {
     EXPECT_EQ(bytesOf(onDevice("long.mp3")), bytesOf(longFile).substr(0, kFirstReport));
   }
 
+  /// Runs a copy with the number 1 on the test's own thread, as a host may.
+  void runCopy(const Array& contents) {
+    _serviceinfo request;
+    request.serviceID = 1;
+    request.command = kCommandCopyToDevice;
+    request.mediaType = kMediaMusic;
+    request.contents = contents;
+    service->doUmsFileService(&request);
+  }
+
   /// Runs a handler once, on the thread that copies, at the first progress of the first copy.
   void onFirstProgress(std::function<void()> handler) {
     notifications.onEach(
