@@ -4,9 +4,9 @@
 //   device
 #include <condition_variable>
 #include <cstdio>
-#include <filesystem>
 #include <mutex>
 
+#include "umsservice/FileSystem.h"
 #include "umsservice/Notifications.h"
 #include "umsservice/UMSService.h"
 
@@ -19,21 +19,42 @@ class NoLog final : public LogSink {
   void write(const std::string&) override {}
 };
 
-Array contentsOf(const std::filesystem::path& source) {
-  std::vector<Value> items;
-  auto add = [&](const std::string& path, const std::string& name) {
-    items.emplace_back(Dictionary{{key::kFilePath, path}, {key::kFileName, name}});
-  };
-  if (!std::filesystem::is_directory(source)) {
-    add(source.string(), source.filename().string());
-    return Array(std::move(items));
+/// The files below a folder as a list of contents; each keeps its way from there as its name.
+class Contents {
+ public:
+  Contents(FileSystem& files, std::string source) : files_(files), source_(std::move(source)) {}
+
+  Array list() {
+    if (files_.isFolder(source_)) {
+      addFolder("");
+    } else {
+      add(source_, source_.substr(source_.rfind('/') + 1));
+    }
+    return Array(std::move(items_));
   }
-  const size_t prefix = source.string().size() + 1;
-  for (const auto& entry : std::filesystem::recursive_directory_iterator(source)) {
-    if (entry.is_regular_file()) add(entry.path().string(), entry.path().string().substr(prefix));
+
+ private:
+  void addFolder(const std::string& way) {
+    auto entries = files_.list(source_ + "/" + way);
+    if (!entries) return;
+    for (const DirectoryEntry& entry : *entries) {
+      const std::string name = way + entry.name;
+      if (entry.type == FileType::Directory) {
+        addFolder(name + "/");
+      } else {
+        add(source_ + "/" + name, name);
+      }
+    }
   }
-  return Array(std::move(items));
-}
+
+  void add(const std::string& path, const std::string& name) {
+    items_.emplace_back(Dictionary{{key::kFilePath, path}, {key::kFileName, name}});
+  }
+
+  FileSystem& files_;
+  const std::string source_;
+  std::vector<Value> items_;
+};
 
 /// Waits for the result of the one request.
 class End {
@@ -72,6 +93,7 @@ int main(int argc, char** argv) {
   End end(*environment.notificationCenter);
   auto service = std::make_shared<UMSService>(environment, "bench");
   service->addDiskInformation(Dictionary{{key::kDiskType, 1}, {key::kVolumePath, argv[2]}});
-  if (!service->copyContentsMacToDevice(1, contentsOf(argv[1]), kMediaMusic, 0)) return 1;
+  if (!service->copyContentsMacToDevice(1, Contents(*environment.fileSystem, argv[1]).list(), kMediaMusic, 0))
+    return 1;
   return end.wait();
 }

@@ -22,6 +22,11 @@ class UMS_EXPORT PlacementRules {
   virtual std::string volumeOf(FileSystem& files, const std::string& path) const = 0;
   /// The space of the volume that holds a path; what `volumeOf` gives, without needing its name.
   virtual FileResult<VolumeSpace> spaceOf(FileSystem& files, const std::string& path) const = 0;
+  /// The same for a file that is to be made there: it comes to lie on the volume of its folder, so the path
+  /// itself need not be looked for.
+  virtual FileResult<VolumeSpace> spaceForNewFile(FileSystem& files, const std::string& path) const {
+    return spaceOf(files, path);
+  }
 
   /// The full folder that a sync uses on a volume, given the volume's path and its default folder as the
   /// profile or the fixed names give it.

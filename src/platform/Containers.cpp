@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <span>
 
 #include "Mutex.h"
 #include "umsservice/Value.h"
@@ -85,24 +84,15 @@ using Entry = std::pair<std::string, Value>;
 class MemoryDictionary final : public DictionaryStorage {
  public:
   MemoryDictionary() = default;
-  /// The last of several entries with one key counts, and nil values are left out. Pointers are what is
-  /// sorted: two dictionaries are made for every file that is copied.
-  explicit MemoryDictionary(std::span<const Entry> entries) {
-    std::vector<const Entry*> sorted;
-    sorted.reserve(entries.size());
-    for (const Entry& entry : entries) {
-      auto behind = std::upper_bound(sorted.begin(), sorted.end(), &entry,
-                                     [](auto* left, auto* right) { return left->first < right->first; });
-      if (behind != sorted.begin() && (*std::prev(behind))->first == entry.first) {
-        *std::prev(behind) = &entry;
-      } else {
-        sorted.insert(behind, &entry);
-      }
+  /// The last of several entries with one key counts, and nil values are left out.
+  explicit MemoryDictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
+    auto stands = [](const Entry& left, const Entry& right) { return left.first < right.first; };
+    if (!std::is_sorted(entries_.begin(), entries_.end(), stands))
+      std::stable_sort(entries_.begin(), entries_.end(), stands);
+    for (size_t i = 1; i < entries_.size(); ++i) {
+      if (entries_[i - 1].first == entries_[i].first) entries_[i - 1].second = Value();
     }
-    entries_.reserve(sorted.size());
-    for (const Entry* entry : sorted) {
-      if (!entry->second.isNil()) entries_.push_back(*entry);
-    }
+    std::erase_if(entries_, [](const Entry& entry) { return entry.second.isNil(); });
   }
 
   Value get(std::string_view key) const override {
@@ -152,19 +142,22 @@ Array::Array(std::vector<Value> values) : storage_(std::make_shared<MemoryArray>
 Dictionary::Dictionary() : storage_(std::make_shared<MemoryDictionary>()) {}
 
 Dictionary::Dictionary(std::initializer_list<std::pair<std::string, Value>> entries)
-    : storage_(std::make_shared<MemoryDictionary>(std::span(entries.begin(), entries.size()))) {}
+    : Dictionary(std::vector<Entry>(entries)) {}
+
+Dictionary::Dictionary(std::vector<std::pair<std::string, Value>> entries)
+    : storage_(std::make_shared<MemoryDictionary>(std::move(entries))) {}
 
 Dictionary Dictionary::mutableCopy() const {
   if (auto copy = storage_->mutableCopy()) return Dictionary(std::move(copy));
   if (auto* own = dynamic_cast<const MemoryDictionary*>(storage_.get())) {
-    return Dictionary(std::make_shared<MemoryDictionary>(own->entries()));
+    return Dictionary(own->entries());
   }
   std::vector<Entry> entries;
   for (std::string& name : keys()) {
     Value value = get(name);
     entries.emplace_back(std::move(name), std::move(value));
   }
-  return Dictionary(std::make_shared<MemoryDictionary>(std::move(entries)));
+  return Dictionary(std::move(entries));
 }
 
 bool Dictionary::isEqualToDictionary(const Dictionary& other) const {

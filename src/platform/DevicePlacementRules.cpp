@@ -44,14 +44,12 @@ class DevicePlacementRules final : public PlacementRules {
   }
 
   FileResult<VolumeSpace> spaceOf(FileSystem& files, const std::string& path) const override {
-    std::string folder = startOfSearch(path);
-    auto space = files.space(folder);
-    while (!space && isFaultOfPath(space.error().systemNumber)) {
-      folder = folderAbove(folder);
-      if (folder.empty()) return space;
-      space = files.space(folder);
-    }
-    return space;
+    return spaceUpFrom(files, startOfSearch(path));
+  }
+
+  FileResult<VolumeSpace> spaceForNewFile(FileSystem& files, const std::string& path) const override {
+    std::string folder = folderAbove(startOfSearch(path));
+    return folder.empty() ? spaceOf(files, path) : spaceUpFrom(files, std::move(folder));
   }
 
   std::string syncFolder(const std::string& volumePath, const std::string& folder) const override {
@@ -63,6 +61,16 @@ class DevicePlacementRules final : public PlacementRules {
   }
 
  private:
+  static FileResult<VolumeSpace> spaceUpFrom(FileSystem& files, std::string folder) {
+    auto space = files.space(folder);
+    while (!space && isFaultOfPath(space.error().systemNumber)) {
+      folder = folderAbove(folder);
+      if (folder.empty()) return space;
+      space = files.space(folder);
+    }
+    return space;
+  }
+
   /// The highest folder on the way up that still lies on the same file system.
   static std::string mountPointAbove(FileSystem& files, std::string folder, uint64_t device) {
     for (;;) {

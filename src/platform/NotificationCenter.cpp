@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <atomic>
 #include <map>
+#include <utility>
 
 #include "Mutex.h"
 
@@ -15,6 +16,9 @@ struct Observer {
   std::atomic<bool> active{true};
 };
 
+/// Never changed once it is shared: a post goes through the list that it found.
+using Observers = std::vector<std::shared_ptr<Observer>>;
+
 class LocalNotificationCenter final : public NotificationCenter {
  public:
   ObserverId addObserver(const std::string& name, Handler handler) override {
@@ -22,41 +26,47 @@ class LocalNotificationCenter final : public NotificationCenter {
     observer->handler = std::move(handler);
     MutexLock lock(mutex_);
     observer->id = ++lastId_;
-    observers_[name].push_back(observer);
+    auto& known = observers_[name];
+    auto list = known ? std::make_shared<Observers>(*known) : std::make_shared<Observers>();
+    list->push_back(observer);
+    known = std::move(list);
     return observer->id;
   }
 
   void removeObserver(ObserverId id) override {
-    std::shared_ptr<Observer> removed;  // outlives the lock: a handler may own anything
+    std::shared_ptr<const Observers> before;  // outlives the lock: a handler may own anything
     MutexLock lock(mutex_);
-    for (auto& [name, list] : observers_) {
+    for (auto& [name, known] : observers_) {
+      auto list = std::make_shared<Observers>(*known);
       auto found =
-          std::find_if(list.begin(), list.end(), [id](const auto& observer) { return observer->id == id; });
-      if (found == list.end()) continue;
-      removed = *found;
-      removed->active = false;
-      list.erase(found);
+          std::find_if(list->begin(), list->end(), [id](const auto& observer) { return observer->id == id; });
+      if (found == list->end()) continue;
+      (*found)->active = false;
+      list->erase(found);
+      before = std::exchange(known, std::move(list));
       return;
     }
   }
 
   void post(const std::string& name, const Dictionary& userInfo) override {
     Notification notification{name, userInfo};
-    for (const auto& observer : observersOf(name)) {
+    const auto observers = observersOf(name);
+    if (!observers) return;
+    for (const auto& observer : *observers) {
       if (observer->active && observer->handler) observer->handler(notification);
     }
   }
 
  private:
-  std::vector<std::shared_ptr<Observer>> observersOf(const std::string& name) {
+  std::shared_ptr<const Observers> observersOf(const std::string& name) {
     MutexLock lock(mutex_);
     auto found = observers_.find(name);
-    return found == observers_.end() ? std::vector<std::shared_ptr<Observer>>() : found->second;
+    return found == observers_.end() ? nullptr : found->second;
   }
 
   Mutex mutex_;
   ObserverId lastId_ GUARDED_BY(mutex_) = 0;
-  std::map<std::string, std::vector<std::shared_ptr<Observer>>> observers_ GUARDED_BY(mutex_);
+  std::map<std::string, std::shared_ptr<const Observers>> observers_ GUARDED_BY(mutex_);
 };
 
 }  // namespace

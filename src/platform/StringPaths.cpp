@@ -19,8 +19,10 @@ std::string_view lastComponentOf(std::string_view path) {
 
 /// Every run of separators as one, and none at the end.
 std::string withSingleSeparators(std::string_view path) {
+  path = withoutTrailingSeparators(path);
+  if (path.find("//") == std::string_view::npos) return std::string(path);
   std::string tidy;
-  for (char c : withoutTrailingSeparators(path)) {
+  for (char c : path) {
     if (c != '/' || !tidy.ends_with('/')) tidy += c;
   }
   return tidy;

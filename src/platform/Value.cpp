@@ -209,9 +209,14 @@ Value::Value(const Array& array) : held_(array.storage()) {}
 Value::Value(const Dictionary& dictionary) : held_(dictionary.storage()) {}
 Value::Value(Dictionary&& dictionary) : held_(std::move(dictionary.storage_)) {}
 
-MaybeString Value::string() const {
+MaybeString Value::string() const& {
   const std::string* text = stringIfAny();
   return text ? MaybeString(*text) : std::nullopt;
+}
+
+MaybeString Value::string() && {
+  std::string* text = std::get_if<std::string>(&held_);
+  return text ? MaybeString(std::move(*text)) : std::nullopt;
 }
 
 std::optional<Array> Value::array() const {

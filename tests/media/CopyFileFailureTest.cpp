@@ -41,6 +41,53 @@ TEST_F(CopyFileFailure, WhereTheDestinationExistsComesBeforeEveryOtherTest) {
   EXPECT_EQ(bytesOf(to), "old");
 }
 
+TEST_F(CopyFileFailure, WhereTheDestinationExistsIsToldBeforeAllElseAtEveryDebugLevel) {
+  const std::string from = sandbox.file("in/a.mp3", "new");
+  const std::string missing = sandbox.at("in/missing.mp3");
+  sandbox.file("internal/Music/a.mp3", "old");
+  for (int level = 0; level <= 7; ++level) {
+    SCOPED_TRACE(level);
+    surroundings.level->level = level;
+    auto isRefused = [&](const std::string& source) {
+      surroundings.log->clear();
+      EXPECT_FALSE(copy(source, to));
+      EXPECT_EQ(number(), kErrorFileExists);
+      const std::vector<std::string> announcement{
+          plain(surroundings, "Copy File : " + source + "  to  " + to)};
+      EXPECT_EQ(linesOf(surroundings, kCopyMethod), level < 6 ? std::vector<std::string>{} : announcement);
+      EXPECT_EQ(plainLines(surroundings).size(), level < 6 ? 0u : 1u);
+    };
+    isRefused(from);
+    isRefused(missing);
+    files.failAlways(FileCall::Space, "", EIO);
+    isRefused(from);
+    files.setFault(nullptr);
+  }
+  EXPECT_EQ(bytesOf(to), "old");
+}
+
+TEST_F(CopyFileFailure, HasTheSameNumberAtEveryDebugLevel) {
+  const std::string from = sandbox.file("in/a.mp3", "new");
+  sandbox.file("internal/file", "in the way");
+  sandbox.folder("internal/Music");
+  ASSERT_EQ(::symlink("nowhere", (internal + "/dangling.mp3").c_str()), 0);
+  for (int level = 0; level <= 7; ++level) {
+    SCOPED_TRACE(level);
+    surroundings.level->level = level;
+    EXPECT_FALSE(copy(sandbox.at("in/missing.mp3"), to));
+    EXPECT_EQ(number(), kErrorAttributesUnreadable);
+    EXPECT_FALSE(copy(from, internal + "/file/a.mp3"));
+    EXPECT_EQ(number(), kErrorCreateFolderFailed);
+    EXPECT_FALSE(copy(from, internal + "/dangling.mp3"));
+    EXPECT_EQ(error, kUntouched);
+    files.failAlways(FileCall::Space, "", EIO);
+    EXPECT_FALSE(copy(from, to));
+    EXPECT_EQ(number(), kErrorVolumeFull);
+    files.setFault(nullptr);
+  }
+  EXPECT_EQ(treeOf(internal + "/Music").size(), 0u);
+}
+
 TEST_F(CopyFileFailure, OfASourceThatCannotBeLookedAt) {
   const std::string missing = sandbox.at("in/missing.mp3");
   EXPECT_FALSE(copy(missing, to));

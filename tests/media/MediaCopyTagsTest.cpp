@@ -68,8 +68,8 @@ TEST_F(MediaCopyTags, AreNotShownForASkippedFile) {
 
 TEST_F(MediaCopyTags, AreNotShownForAFullVolume) {
   tags[sandbox.at("in/a.mp3")] = Dictionary{{"Title", "Harbour"}};
-  files.setFault([&](FileCall call, const std::string& path) {
-    return call == FileCall::Space && path.ends_with("b.mp3") ? EIO : 0;
+  files.setFault([&](FileCall call, const std::string&) {
+    return call == FileCall::Space && exists(internal + "/Music/a.mp3") ? EIO : 0;
   });
   run(toDevice(Array{source("a.mp3"), source("b.mp3")}));
   EXPECT_EQ(results(), (std::vector<uint32_t>{kItemTransferred, kErrorVolumeFull}));

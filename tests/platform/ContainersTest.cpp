@@ -169,6 +169,17 @@ TEST(Dictionaries, KeepTheLastValueOfAKeyThatIsSetTwice) {
   EXPECT_EQ(dictionary.count(), 1u);
 }
 
+TEST(Dictionaries, MadeOfEntriesThatAreGivenAwayAreLikeThoseOfAList) {
+  using Entries = std::vector<std::pair<std::string, Value>>;
+  EXPECT_EQ(Dictionary(Entries{}).count(), 0u);
+  Dictionary inOrder(Entries{{"a", 1}, {"b", Value()}, {"c", 3}});
+  EXPECT_TRUE(inOrder.isEqualToDictionary(Dictionary{{"a", 1}, {"c", 3}}));
+  EXPECT_EQ(inOrder.keys(), (std::vector<std::string>{"a", "c"}));
+  Dictionary outOfOrder(Entries{{"c", 1}, {"a", 1}, {"c", 2}, {"b", 5}, {"a", Value()}, {"c", 3}});
+  EXPECT_TRUE(outOfOrder.isEqualToDictionary(Dictionary{{"b", 5}, {"c", 3}}));
+  EXPECT_EQ(outOfOrder.keys(), (std::vector<std::string>{"b", "c"}));
+}
+
 TEST(Dictionaries, TellKeysApartByEveryByte) {
   Dictionary dictionary;
   dictionary.set("DiskIndex", 1);

@@ -130,6 +130,20 @@ TEST_F(DevicePlacement, GivesTheFreeSpaceThatIsLeftNow) {
   EXPECT_EQ(rules->spaceOf(files, sandbox.at("card/new/a"))->free, 20u * 4096);
 }
 
+TEST_F(DevicePlacement, AsksTheFolderOfAFileThatIsToBeMadeForItsSpace) {
+  TmpfsVolume inner(sandbox.folder("card/inner"), 2 * kCardSize);
+  std::vector<std::string> asked;
+  files.setFault([&](FileCall call, const std::string& path) {
+    if (call == FileCall::Space) asked.push_back(path);
+    return 0;
+  });
+  EXPECT_EQ(rules->spaceForNewFile(files, sandbox.at("card/inner/a.mp3"))->total, 2 * kCardSize);
+  EXPECT_EQ(asked, std::vector<std::string>{inner.path()});
+  EXPECT_EQ(rules->spaceForNewFile(files, sandbox.at("card/no/such/folder/a.mp3"))->total, kCardSize);
+  EXPECT_EQ(asked.back(), card->path());
+  EXPECT_EQ(rules->spaceForNewFile(files, "/")->total, files.space("/")->total);
+}
+
 TEST_F(DevicePlacement, PutsASeparatorWhereTheFolderOfASyncDoesNotBeginWithOne) {
   EXPECT_EQ(rules->syncFolder("/media/CARD", "Music"), "/media/CARD/Music");
   EXPECT_EQ(rules->syncFolder("/media/CARD", "/Music"), "/media/CARD/Music");

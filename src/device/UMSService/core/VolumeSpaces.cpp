@@ -32,6 +32,14 @@ uint64_t VolumeSpaces::totalSpace(uint32_t diskIndex) const {
 }
 
 uint64_t VolumeSpaces::volumeFreeSpace(const MaybeString& path) const {
+  return freeSpaceAt(path, &PlacementRules::spaceOf);
+}
+
+uint64_t VolumeSpaces::volumeFreeSpaceForNewFile(const MaybeString& path) const {
+  return freeSpaceAt(path, &PlacementRules::spaceForNewFile);
+}
+
+uint64_t VolumeSpaces::freeSpaceAt(const MaybeString& path, Asking asking) const {
   constexpr auto kMethod = "-[UMSService volumeFreeSpace:]";
   if (!path) {
     log_.write(3, kMethod, "filePath is nil.");
@@ -44,7 +52,7 @@ uint64_t VolumeSpaces::volumeFreeSpace(const MaybeString& path) const {
   constexpr int kTrace = 6;
   if (log_.isWritten(kTrace))
     log_.always(kMethod, "Volume Name string = %@", placement_.volumeOf(files_, *path));
-  auto space = placement_.spaceOf(files_, *path);
+  auto space = (placement_.*asking)(files_, *path);
   return space ? space->free : 0;
 }
 

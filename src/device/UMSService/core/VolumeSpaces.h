@@ -22,8 +22,13 @@ class VolumeSpaces {
   uint64_t totalSpace(uint32_t diskIndex) const;
   /// Bytes that may still be written to the volume that holds a path, whether the path exists or not.
   uint64_t volumeFreeSpace(const MaybeString& path) const;
+  /// The same for a file that is to be made there (see `PlacementRules`).
+  uint64_t volumeFreeSpaceForNewFile(const MaybeString& path) const;
 
  private:
+  using Asking = FileResult<VolumeSpace> (PlacementRules::*)(FileSystem&, const std::string&) const;
+
+  uint64_t freeSpaceAt(const MaybeString& path, Asking asking) const;
   VolumeSpace spaceOfIndex(uint32_t diskIndex, const char* method) const;
 
   FileSystem& files_;

@@ -27,7 +27,7 @@ bool DeviceToDevice::run() {
                destination_->modelName());
   if (request_.playlistName) run.notifier().setPlaylistName(request_.playlistName);
   progress_ = std::make_shared<PeerProgress>(tools_, request_.serviceID);
-  return run.carryOut({}, [&](const MediaItem& item) { return sendItem(run, item); });
+  return run.carryOut({}, [&](MediaItem item) { return sendItem(run, std::move(item)); });
 }
 
 bool DeviceToDevice::findDestination() {

@@ -28,7 +28,7 @@ bool MediaCopy::run() {
   if (request_.playlistName) run.notifier().setPlaylistName(request_.playlistName);
   run.setLastResult(direction_ == Direction::MacToDevice);
   return run.carryOut([&] { return prepare(run); },
-                      [&](const MediaItem& item) { return copyItem(run, item); });
+                      [&](MediaItem item) { return copyItem(run, std::move(item)); });
 }
 
 bool MediaCopy::prepare(MediaRun& run) {

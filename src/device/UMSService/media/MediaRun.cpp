@@ -41,17 +41,16 @@ MediaRun::MediaRun(MediaTools& tools, const _serviceinfo& request, const char* m
       cancelList_(tools.context.cancelList),
       request_(request),
       method_(method),
-      contents_(request.contents ? request.contents->snapshot() : std::vector<Value>()),
+      contents_(request.contents.value_or(Array()).elements()),
       ownNotifier_(OVUmsDeviceNotifier::forRun(context_.environment, srcLocationID, destLocationID,
                                                request.serviceID, request.mediaType, deviceName,
-                                               request.storageIndex, static_cast<uint32_t>(contents_.size()),
+                                               request.storageIndex, static_cast<uint32_t>(contents_->size()),
                                                tools.files.totalMediaContentsSize(request.contents))),
       notifier_(*ownNotifier_) {
   notifier_.setCurrentTransferStatus(kTransferRunning);
 }
 
-bool MediaRun::carryOut(const std::function<bool()>& prepare,
-                        const std::function<Next(const MediaItem&)>& step) {
+bool MediaRun::carryOut(const std::function<bool()>& prepare, const std::function<Next(MediaItem)>& step) {
   OnException end(context_, [this] {
     inAnyCase(
         context_, [this] { endForException(context_, request_, notifier_); },
@@ -68,7 +67,7 @@ bool MediaRun::carryOut(const std::function<bool()>& prepare,
 MediaItem MediaRun::item(size_t index) const {
   MediaItem item;
   item.index = index;
-  if (index < contents_.size()) item.content = contents_[index].dictionary();
+  if (index < contents_->size()) item.content = (*contents_)[index].dictionary();
   if (!item.content) return item;
   item.filePath = item.content->string(key::kFilePath);
   item.fileName = item.content->string(key::kFileName);

@@ -60,12 +60,12 @@ class MediaRun {
            const MaybeString& srcLocationID, const MaybeString& destLocationID,
            const MaybeString& deviceName);
 
-  size_t count() const { return contents_.size(); }
+  size_t count() const { return contents_->size(); }
   OVUmsDeviceNotifier& notifier() { return notifier_; }
 
   /// Takes the items in hand one by one, once `prepare` (may be empty) has said yes, and answers the last
   /// result; false without that yes. An exception of the host's ends the run like a cancel does, and goes on.
-  bool carryOut(const std::function<bool()>& prepare, const std::function<Next(const MediaItem&)>& step);
+  bool carryOut(const std::function<bool()>& prepare, const std::function<Next(MediaItem)>& step);
 
   /// The item at an index; its fields are absent where the element is nil or has no such text.
   MediaItem item(size_t index) const;
@@ -129,7 +129,7 @@ class MediaRun {
   CancelList& cancelList_;
   const _serviceinfo& request_;
   const char* const method_;
-  const std::vector<Value> contents_;
+  const std::shared_ptr<const std::vector<Value>> contents_;
   const std::shared_ptr<OVUmsDeviceNotifier> ownNotifier_;
   OVUmsDeviceNotifier& notifier_;
   size_t untold_ = 0;  ///< the first item that the observer has not heard of

@@ -19,7 +19,7 @@ bool MediaSync::run() {
   const MaybeString location = context_.identity.currentLocationID();
   MediaRun run(tools_, request_, kSyncMethod, location, location, context_.identity.modelName());
   return run.carryOut([&] { return chooseVolume(run) && prepareFolder(run); },
-                      [&](const MediaItem& item) { return syncItem(run, item); });
+                      [&](MediaItem item) { return syncItem(run, std::move(item)); });
 }
 
 bool MediaSync::chooseVolume(MediaRun& run) {

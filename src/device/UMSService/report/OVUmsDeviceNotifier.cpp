@@ -15,6 +15,20 @@ namespace {
 constexpr uint64_t kBytesBetweenProgress = 1'000'000;
 constexpr uint32_t kWhole = 100;
 
+/// What a notification carries, to be added in the order of the keys: two of them go out for every file that
+/// is copied, and nothing is sorted or taken out again then.
+class Entries {
+ public:
+  Entries() { entries_.reserve(11); }
+  void add(const char* name, Value value) {
+    if (!value.isNil()) entries_.emplace_back(name, std::move(value));
+  }
+  Dictionary dictionary() { return Dictionary(std::move(entries_)); }
+
+ private:
+  std::vector<std::pair<std::string, Value>> entries_;
+};
+
 }  // namespace
 
 /// The section of the object that the host knows the notifier by, for the analysis of locks.
@@ -70,28 +84,35 @@ struct OVUmsDeviceNotifier::State {
 };
 
 void OVUmsDeviceNotifier::State::postProgress(uint32_t maxProgress, uint32_t percent) {
-  Dictionary userInfo{{key::kServiceID, _serviceID},
-                      {key::kMediaNotiType, _mediaType},
-                      {key::kCurrent, _currentTransferFileCount},
-                      {key::kMax, _maxTransferFileCount},
-                      {key::kTransferStatus, static_cast<uint32_t>(_currentTransferStatus)},
-                      {key::kFail, _failTransferFileCount},
-                      {key::kCurrentProgress, percent},
-                      {key::kMaxProgress, maxProgress},
-                      {key::kLocationId, _srcLocationID},
-                      {key::kFileName, _filePath ? Value(lastPathComponent(*_filePath)) : Value()},
-                      {key::kDeviceName, _deviceName}};
-  center->post(kTransferProgressNotification, userInfo);
+  Entries entries;
+  entries.add(key::kCurrent, _currentTransferFileCount);
+  entries.add(key::kCurrentProgress, percent);
+  entries.add(key::kFail, _failTransferFileCount);
+  if (_filePath) entries.add(key::kFileName, lastPathComponent(*_filePath));
+  entries.add(key::kLocationId, _srcLocationID);
+  entries.add(key::kDeviceName, _deviceName);
+  entries.add(key::kMax, _maxTransferFileCount);
+  entries.add(key::kMaxProgress, maxProgress);
+  entries.add(key::kMediaNotiType, _mediaType);
+  entries.add(key::kServiceID, _serviceID);
+  entries.add(key::kTransferStatus, static_cast<uint32_t>(_currentTransferStatus));
+  center->post(kTransferProgressNotification, entries.dictionary());
 }
 
 void OVUmsDeviceNotifier::State::postResult() {
   const uint32_t result = _transferResult == kErrorNone ? uint32_t{kItemTransferred} : _transferResult;
-  Dictionary userInfo{
-      {key::kServiceID, _serviceID},       {key::kMediaNotiType, _mediaType},
-      {key::kVolumeIndex, _storageIndex},  {key::kResultStatus, result},
-      {key::kLocationId, _destLocationID}, {key::kFilePath, _filePath},
-      {key::kPlaylistName, _playlistName}, {key::kDeviceName, _deviceName},
-      {key::kChannelName, _channelName},   {key::kPodcastXmlInfo, _xmlInfo ? Value(*_xmlInfo) : Value()}};
+  Entries entries;
+  entries.add(key::kChannelName, _channelName);
+  entries.add(key::kFilePath, _filePath);
+  entries.add(key::kLocationId, _destLocationID);
+  entries.add(key::kDeviceName, _deviceName);
+  entries.add(key::kMediaNotiType, _mediaType);
+  entries.add(key::kPlaylistName, _playlistName);
+  if (_xmlInfo) entries.add(key::kPodcastXmlInfo, *_xmlInfo);
+  entries.add(key::kResultStatus, result);
+  entries.add(key::kServiceID, _serviceID);
+  entries.add(key::kVolumeIndex, _storageIndex);
+  Dictionary userInfo = entries.dictionary();
   if (_mediaInfo) {
     // The item's tags go along, and give way to what the result says itself.
     const Dictionary own = std::exchange(userInfo, _mediaInfo->mutableCopy());
