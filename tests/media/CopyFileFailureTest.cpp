@@ -285,6 +285,7 @@ TEST_F(CopyFileFailure, NeverComesOfOthersWhoFillTheDiskOnceItHasSetItsRoomAside
   TmpfsVolume volume(internal, 1 << 20);
   const std::string from = sandbox.patternFile("in/a.mp3", 600'000);
   files.setFault([&](FileCall call, const std::string& path) {
+    if (call == FileCall::Reserve && path == to) volume.setAside(to, 600'000);
     if (call == FileCall::Write && path == to) volume.fillUpTo(4096);
     return 0;
   });

@@ -90,13 +90,14 @@ TEST_F(ChunkedCopies, MoveManyUnitsWithEachSystemCall) {
 }
 
 TEST_F(ChunkedCopies, SetRoomAsideForALargeFileAndAskForMoreWhereItEnds) {
+  const bool isGiven = (*posixFileSystem()->createFile(sandbox.at("probe")))->reserve(kBlock);
   const uint64_t size = kRoom + kRoom / 2;
   onReport = [&](uint64_t copied) {
     if (copied == kCopyUnit || copied == kRoom) EXPECT_EQ(files.count(FileCall::Reserve), 1u);
   };
   run(size);
   EXPECT_EQ(result.end, End::Complete);
-  EXPECT_EQ(files.count(FileCall::Reserve), 2u);
+  EXPECT_EQ(files.count(FileCall::Reserve), isGiven ? 2u : 1u);
   expectPrefix(size, bytesOf(source));
   EXPECT_LT(bytesOnDisk(copy), size + kBlock) << "no more than it needs";
 }

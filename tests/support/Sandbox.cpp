@@ -1,5 +1,6 @@
 #include "Sandbox.h"
 
+#include <fcntl.h>
 #include <linux/capability.h>
 #include <sched.h>
 #include <sys/mount.h>
@@ -115,6 +116,13 @@ uint64_t TmpfsVolume::freeBytes() const {
 void TmpfsVolume::fillUpTo(uint64_t bytes) const {
   uint64_t free = freeBytes();
   if (free > bytes) writeFile(path_ + "/.filler", std::string(free - bytes, 'x'));
+}
+
+void TmpfsVolume::setAside(const std::string& file, uint64_t bytes) const {
+  int descriptor = ::open(file.c_str(), O_WRONLY | O_CLOEXEC);
+  int result = ::fallocate(descriptor, FALLOC_FL_KEEP_SIZE, 0, static_cast<off_t>(bytes));
+  ::close(descriptor);
+  if (result != 0) throw std::runtime_error("cannot set room aside in " + file);
 }
 
 WithoutRootPowers::WithoutRootPowers() {

@@ -45,6 +45,8 @@ class TmpfsVolume {
   /// Writes a file that leaves exactly `bytes` (rounded up to whole pages) free.
   void fillUpTo(uint64_t bytes) const;
   uint64_t freeBytes() const;
+  /// Sets room aside behind what a file holds, as a disk does when it is asked to; the file stays as long.
+  void setAside(const std::string& file, uint64_t bytes) const;
   /// Takes the volume away, as a pulled cable does.
   void vanish();
 
