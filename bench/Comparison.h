@@ -1,7 +1,8 @@
 /// Timing of whole processes, ours against a peer's, in one run.
 ///
 /// Each round runs ours, the peer and the peer once more, in turn; a ratio is the median over the rounds of
-/// the two times of one round, and peer against peer beside it tells how much of it is noise.
+/// the two times of one round, and peer against peer beside it tells how much of it is noise. A part of ours
+/// may be run by itself in each round: what the whole cannot go below.
 #pragma once
 
 #include <functional>
@@ -28,7 +29,8 @@ struct Contest {
   Command theirs;
   std::function<void()> before;  ///< not timed, before each process
   int rounds = 9;
-  double goal = 0;  ///< ours / theirs at most; 0 for none
+  double goal = 0;    ///< ours / theirs at most; 0 for none
+  Command part = {};  ///< of ours, by itself; empty for none
 };
 
 /// Runs a contest and prints one line.

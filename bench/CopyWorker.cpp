@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <mutex>
 
-#include "umsservice/FileSystem.h"
+#include "SourceFiles.h"
 #include "umsservice/Notifications.h"
 #include "umsservice/UMSService.h"
 
@@ -19,42 +19,12 @@ class NoLog final : public LogSink {
   void write(const std::string&) override {}
 };
 
-/// The files below a folder as a list of contents; each keeps its way from there as its name.
-class Contents {
- public:
-  Contents(FileSystem& files, std::string source) : files_(files), source_(std::move(source)) {}
-
-  Array list() {
-    if (files_.isFolder(source_)) {
-      addFolder("");
-    } else {
-      add(source_, source_.substr(source_.rfind('/') + 1));
-    }
-    return Array(std::move(items_));
-  }
-
- private:
-  void addFolder(const std::string& way) {
-    auto entries = files_.list(source_ + "/" + way);
-    if (!entries) return;
-    for (const DirectoryEntry& entry : *entries) {
-      const std::string name = way + entry.name;
-      if (entry.type == FileType::Directory) {
-        addFolder(name + "/");
-      } else {
-        add(source_ + "/" + name, name);
-      }
-    }
-  }
-
-  void add(const std::string& path, const std::string& name) {
-    items_.emplace_back(Dictionary{{key::kFilePath, path}, {key::kFileName, name}});
-  }
-
-  FileSystem& files_;
-  const std::string source_;
-  std::vector<Value> items_;
-};
+Array contentsOf(FileSystem& files, const std::string& source) {
+  std::vector<Value> items;
+  for (const bench::SourceFile& file : bench::sourceFiles(files, source))
+    items.emplace_back(Dictionary{{key::kFilePath, file.path}, {key::kFileName, file.name}});
+  return Array(std::move(items));
+}
 
 /// Waits for the result of the one request.
 class End {
@@ -93,7 +63,7 @@ int main(int argc, char** argv) {
   End end(*environment.notificationCenter);
   auto service = std::make_shared<UMSService>(environment, "bench");
   service->addDiskInformation(Dictionary{{key::kDiskType, 1}, {key::kVolumePath, argv[2]}});
-  if (!service->copyContentsMacToDevice(1, Contents(*environment.fileSystem, argv[1]).list(), kMediaMusic, 0))
+  if (!service->copyContentsMacToDevice(1, contentsOf(*environment.fileSystem, argv[1]), kMediaMusic, 0))
     return 1;
   return end.wait();
 }

@@ -46,7 +46,6 @@ class Devices {
   enum class Worn { Kept, Removed };
 
   Devices(fs::path root, Worn worn) : root_(std::move(root)), worn_(worn) {}
-  ~Devices() { fs::remove_all(root_); }
 
   std::string current() const { return root_ / "device"; }
   void next() {
@@ -62,42 +61,57 @@ class Devices {
   int count_ = 0;
 };
 
-struct Source {
+/// Where is copied, and by which programs of ours.
+struct Scene {
   std::string name;
-  fs::path path;
-  Devices::Worn worn;
-  double goal;
+  fs::path root;
+  fs::path programs;
 };
 
-void contestOf(const Source& source, const fs::path& root, const std::string& worker) {
-  Devices devices(root / "devices", source.worn);
+void compareLargeFile(const Scene& scene) {
+  const std::string file = scene.root / "large.mp3";
+  writeFile(file, kLargeFile);
+  Devices devices(scene.root, Devices::Worn::Removed);
   const std::string device = devices.current();
-  compare({source.name,
-           {worker, source.path, device},
-           {"cp", "-r", source.path, device + "/Music"},
+  compare({"512 MiB file, " + scene.name,
+           {scene.programs / "ums_bench_copy", file, device},
+           {"cp", file, device + "/Music"},
            [&] { devices.next(); },
            kRounds,
-           source.goal});
+           1.05});
 }
 
-void contestsIn(const fs::path& place, const std::string& name, const std::string& worker) {
-  fs::path root = place / ("umsservice-bench-" + std::to_string(::getpid()));
-  fs::create_directories(root / "small");
-  writeFile(root / "large.mp3", kLargeFile);
-  writeSmallFiles(root / "small");
-  contestOf({"512 MiB file, " + name, root / "large.mp3", Devices::Worn::Removed, 1.05}, root, worker);
-  // File systems look long for a number that no file had a moment ago: after a removal of many small files,
-  // that search would be nearly all that is timed.
-  contestOf({"20,000 files of 8 KiB, " + name, root / "small", Devices::Worn::Kept, 1.00}, root, worker);
-  fs::remove_all(root);
+void compareSmallFiles(const Scene& scene, Devices::Worn worn) {
+  const std::string folder = scene.root / "small";
+  writeSmallFiles(folder);
+  Devices devices(scene.root, worn);
+  const std::string device = devices.current();
+  compare({"20,000 files of 8 KiB, " + scene.name,
+           {scene.programs / "ums_bench_copy", folder, device},
+           {"cp", "-r", folder, device + "/Music"},
+           [&] { devices.next(); },
+           kRounds,
+           1.00,
+           {scene.programs / "ums_bench_calls", folder, device}});
+}
+
+void contestsIn(const fs::path& place, const std::string& name, const fs::path& programs,
+                Devices::Worn smallOnes) {
+  const Scene scene{name, place / ("umsservice-bench-" + std::to_string(::getpid())), programs};
+  fs::create_directories(scene.root);
+  compareLargeFile(scene);
+  compareSmallFiles(scene, smallOnes);
+  fs::remove_all(scene.root);
 }
 
 }  // namespace
 
 int main(int argc, char** argv) {
-  std::string worker = (fs::canonical(argv[0]).parent_path() / "ums_bench_copy").string();
+  const fs::path programs = fs::canonical(argv[0]).parent_path();
   fs::path disk = argc > 1 ? argv[1] : fs::temp_directory_path();
   fs::path memory = argc > 2 ? argv[2] : "/dev/shm";
-  contestsIn(memory, "memory", worker);
-  contestsIn(disk, "disk", worker);
+  contestsIn(memory, "memory", programs, Devices::Worn::Removed);
+  // A disk's file system looks long for a number that no file had a moment ago: after a removal of many small
+  // files, that search would be nearly all that is timed.
+  contestsIn(disk, "disk", programs, Devices::Worn::Kept);
 }
