@@ -95,8 +95,8 @@ FileOutcome SingleFile::transfer(const Manner& manner, uint32_t serviceID, const
 }
 
 /// The tests before anything is created. A host is told of a file that is at the destination before all else,
-/// but that is only looked for once something is amiss: making the file fails where there is one, and one
-/// look less at each of many small files is a tenth of the work.
+/// but that is only looked for once something is amiss: making the file fails where there is one, and a look
+/// at each of many small files takes time.
 std::optional<FileOutcome> SingleFile::refusal(const Manner& manner, const std::string& srcPath,
                                                const std::string& destPath, FileAttributes& source) const {
   auto found = files_.attributes(srcPath);
