@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <span>
 
 #include "Mutex.h"
 #include "umsservice/Value.h"
@@ -84,15 +85,33 @@ using Entry = std::pair<std::string, Value>;
 class MemoryDictionary final : public DictionaryStorage {
  public:
   MemoryDictionary() = default;
-  /// The last of several entries with one key counts, and nil values are left out.
-  explicit MemoryDictionary(std::vector<Entry> entries) : entries_(std::move(entries)) {
-    auto stands = [](const Entry& left, const Entry& right) { return left.first < right.first; };
-    if (!std::is_sorted(entries_.begin(), entries_.end(), stands))
-      std::stable_sort(entries_.begin(), entries_.end(), stands);
-    for (size_t i = 1; i < entries_.size(); ++i) {
-      if (entries_[i - 1].first == entries_[i].first) entries_[i - 1].second = Value();
+  /// The last of several entries with one key counts, and nil values are left out. Pointers are what is
+  /// sorted: a listing makes a dictionary for each of very many files.
+  explicit MemoryDictionary(std::span<const Entry> entries) {
+    std::vector<const Entry*> sorted;
+    sorted.reserve(entries.size());
+    for (const Entry& entry : entries) {
+      auto behind = std::upper_bound(sorted.begin(), sorted.end(), &entry,
+                                     [](auto* left, auto* right) { return left->first < right->first; });
+      if (behind != sorted.begin() && (*std::prev(behind))->first == entry.first) {
+        *std::prev(behind) = &entry;
+      } else {
+        sorted.insert(behind, &entry);
+      }
     }
-    std::erase_if(entries_, [](const Entry& entry) { return entry.second.isNil(); });
+    entries_.reserve(sorted.size());
+    for (const Entry* entry : sorted) {
+      if (!entry->second.isNil()) entries_.push_back(*entry);
+    }
+  }
+  /// Takes entries over that are arranged so already.
+  explicit MemoryDictionary(std::vector<Entry>&& entries) : entries_(std::move(entries)) {}
+
+  static bool areArranged(const std::vector<Entry>& entries) {
+    auto isOutOfPlace = [](const Entry& left, const Entry& right) { return left.first >= right.first; };
+    auto isNil = [](const Entry& entry) { return entry.second.isNil(); };
+    return std::adjacent_find(entries.begin(), entries.end(), isOutOfPlace) == entries.end() &&
+           std::none_of(entries.begin(), entries.end(), isNil);
   }
 
   Value get(std::string_view key) const override {
@@ -118,9 +137,14 @@ class MemoryDictionary final : public DictionaryStorage {
     for (const Entry& entry : entries_) names.push_back(entry.first);
     return names;
   }
+  /// The entries, with room for the one or two more that a copy is mostly made for: a vector that is full
+  /// would double.
   std::vector<Entry> entries() const {
+    std::vector<Entry> copy;
     MutexLock lock(mutex_);
-    return entries_;
+    copy.reserve(entries_.size() + 2);
+    copy.insert(copy.end(), entries_.begin(), entries_.end());
+    return copy;
   }
 
  private:
@@ -142,15 +166,17 @@ Array::Array(std::vector<Value> values) : storage_(std::make_shared<MemoryArray>
 Dictionary::Dictionary() : storage_(std::make_shared<MemoryDictionary>()) {}
 
 Dictionary::Dictionary(std::initializer_list<std::pair<std::string, Value>> entries)
-    : Dictionary(std::vector<Entry>(entries)) {}
+    : storage_(std::make_shared<MemoryDictionary>(std::span(entries.begin(), entries.size()))) {}
 
 Dictionary::Dictionary(std::vector<std::pair<std::string, Value>> entries)
-    : storage_(std::make_shared<MemoryDictionary>(std::move(entries))) {}
+    : storage_(MemoryDictionary::areArranged(entries)
+                   ? std::make_shared<MemoryDictionary>(std::move(entries))
+                   : std::make_shared<MemoryDictionary>(std::span<const Entry>(entries))) {}
 
 Dictionary Dictionary::mutableCopy() const {
   if (auto copy = storage_->mutableCopy()) return Dictionary(std::move(copy));
   if (auto* own = dynamic_cast<const MemoryDictionary*>(storage_.get())) {
-    return Dictionary(own->entries());
+    return Dictionary(std::make_shared<MemoryDictionary>(own->entries()));
   }
   std::vector<Entry> entries;
   for (std::string& name : keys()) {
