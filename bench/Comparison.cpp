@@ -45,7 +45,7 @@ Cost runProcess(const Command& command) {
 }
 
 void compare(const Contest& contest) {
-  std::vector<double> ratios, noise, parts, ours, theirs;
+  std::vector<double> ratios, noise, callsAlone, ours, theirs;
   long ourPeak = 0;
   long theirPeak = 0;
   auto run = [&](const Command& command) {
@@ -56,7 +56,7 @@ void compare(const Contest& contest) {
     Cost first = run(contest.ours);
     Cost second = run(contest.theirs);
     Cost third = run(contest.theirs);
-    if (!contest.part.empty()) parts.push_back(run(contest.part).seconds / second.seconds);
+    if (!contest.callsAlone.empty()) callsAlone.push_back(run(contest.callsAlone).seconds / second.seconds);
     ratios.push_back(first.seconds / second.seconds);
     noise.push_back(third.seconds / second.seconds);
     ours.push_back(first.seconds);
@@ -67,7 +67,7 @@ void compare(const Contest& contest) {
   std::printf("%-46s ours %8.1f ms  theirs %8.1f ms  ours/theirs %.3f", contest.name.c_str(),
               median(ours) * 1000, median(theirs) * 1000, median(ratios));
   if (contest.goal > 0) std::printf(" (goal %.2f)", contest.goal);
-  if (!parts.empty()) std::printf("  calls on files alone %.3f", median(parts));
+  if (!callsAlone.empty()) std::printf("  calls on files alone %.3f", median(callsAlone));
   std::printf("  theirs/theirs %.3f  peak %ld / %ld KiB\n", median(noise), ourPeak, theirPeak);
   std::fflush(stdout);
 }

@@ -1,8 +1,8 @@
 /// Timing of whole processes, ours against a peer's, in one run.
 ///
 /// Each round runs ours, the peer and the peer once more, in turn; a ratio is the median over the rounds of
-/// the two times of one round, and peer against peer beside it tells how much of it is noise. A part of ours
-/// may be run by itself in each round: what the whole cannot go below.
+/// the two times of one round, and peer against peer beside it tells how much of it is noise. Our
+/// calls on files may be run by themselves in each round: what the whole cannot go below.
 #pragma once
 
 #include <functional>
@@ -29,8 +29,8 @@ struct Contest {
   Command theirs;
   std::function<void()> before;  ///< not timed, before each process
   int rounds = 9;
-  double goal = 0;    ///< ours / theirs at most; 0 for none
-  Command part = {};  ///< of ours, by itself; empty for none
+  double goal = 0;          ///< ours / theirs at most; 0 for none
+  Command callsAlone = {};  ///< our calls on files by themselves; empty for none
 };
 
 /// Runs a contest and prints one line.

@@ -15,7 +15,6 @@ namespace {
 namespace fs = std::filesystem;
 using namespace umsservice::bench;
 
-constexpr int kRounds = 9;
 constexpr uint64_t kLargeFile = 512ull << 20;
 constexpr int kSmallFolders = 200;
 constexpr int kSmallFilesPerFolder = 100;
@@ -73,12 +72,11 @@ void compareLargeFile(const Scene& scene) {
   writeFile(file, kLargeFile);
   Devices devices(scene.root, Devices::Worn::Removed);
   const std::string device = devices.current();
-  compare({"512 MiB file, " + scene.name,
-           {scene.programs / "ums_bench_copy", file, device},
-           {"cp", file, device + "/Music"},
-           [&] { devices.next(); },
-           kRounds,
-           1.05});
+  compare({.name = "512 MiB file, " + scene.name,
+           .ours = {scene.programs / "ums_bench_copy", file, device},
+           .theirs = {"cp", file, device + "/Music"},
+           .before = [&] { devices.next(); },
+           .goal = 1.05});
 }
 
 void compareSmallFiles(const Scene& scene, Devices::Worn worn) {
@@ -86,13 +84,12 @@ void compareSmallFiles(const Scene& scene, Devices::Worn worn) {
   writeSmallFiles(folder);
   Devices devices(scene.root, worn);
   const std::string device = devices.current();
-  compare({"20,000 files of 8 KiB, " + scene.name,
-           {scene.programs / "ums_bench_copy", folder, device},
-           {"cp", "-r", folder, device + "/Music"},
-           [&] { devices.next(); },
-           kRounds,
-           1.00,
-           {scene.programs / "ums_bench_calls", folder, device}});
+  compare({.name = "20,000 files of 8 KiB, " + scene.name,
+           .ours = {scene.programs / "ums_bench_copy", folder, device},
+           .theirs = {"cp", "-r", folder, device + "/Music"},
+           .before = [&] { devices.next(); },
+           .goal = 1.00,
+           .callsAlone = {scene.programs / "ums_bench_calls", folder, device}});
 }
 
 void contestsIn(const fs::path& place, const std::string& name, const fs::path& programs,

@@ -37,12 +37,12 @@ class LocalNotificationCenter final : public NotificationCenter {
     std::shared_ptr<const Observers> before;  // outlives the lock: a handler may own anything
     MutexLock lock(mutex_);
     for (auto& [name, known] : observers_) {
-      auto list = std::make_shared<Observers>(*known);
-      auto found =
-          std::find_if(list->begin(), list->end(), [id](const auto& observer) { return observer->id == id; });
-      if (found == list->end()) continue;
+      auto found = std::find_if(known->begin(), known->end(),
+                                [id](const auto& observer) { return observer->id == id; });
+      if (found == known->end()) continue;
       (*found)->active = false;
-      list->erase(found);
+      auto list = std::make_shared<Observers>(*known);
+      list->erase(list->begin() + (found - known->begin()));
       before = std::exchange(known, std::move(list));
       return;
     }

@@ -7,7 +7,6 @@
 #include "ReserveRange.h"
 
 namespace umsservice {
-
 namespace {
 
 /// Nothing comes to lie together in memory, where setting each page aside first only takes time.
